@@ -1,0 +1,102 @@
+#pragma once
+
+#include <kestrel/access/permissions.h>
+#include <kestrel/foundation/choice.h>
+#include <kestrel/lookups/team.h>
+#include <kestrel/lookups/user.h>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kestrel {
+
+/// The rule that decided what a user may do with a record, in the order in which the rules are asked.
+enum class AccessRule : std::uint8_t {
+    noUserMayNotDelete,          ///< nobody is signed in: deleting is refused, before anything else is asked
+    restrictedMayNotDelete,      ///< the user is restricted to delete records, and neither administrator nor super user
+    permissionSystemDisabled,    ///< the permission system is off: allowed
+    permissionSystemOverridden,  ///< the permission system is overridden: allowed
+    noUser,                      ///< nobody is signed in: refused
+    userWithoutTeams,            ///< the user is a member of no team: allowed
+    recordUnrestricted,          ///< the record names no team: allowed
+    sharedTeam,                  ///< the user is a member of a team that the record names: allowed
+    noSharedTeam,                ///< the user is a member of none of the teams that the record names: refused
+};
+
+/// A verdict and what it rests on.
+struct AccessDecision {
+    bool isAllowed{};
+    AccessRule rule{};
+    /// The first team that the user and the record share, where that decided.
+    std::optional<ObjectID<Team>> sharedTeamID{};
+
+    friend bool operator==(const AccessDecision&, const AccessDecision&) = default;
+};
+
+/// What the signed-in user may do with records, and how their visibility is to be called. A plain value: it answers
+/// from what it holds, and safely so from several threads at once.
+struct PermissionChecker {
+    /// The signed-in user, if any.
+    std::optional<User> user{};
+    /// All teams known to the client.
+    std::vector<Team> teams{};
+    bool permissionSystemEnabled{true};
+    bool overridePermissionSystem{false};
+
+    class Visibility;
+
+    /// No user and no teams, with the permission system on: refuses everything.
+    [[nodiscard]] static PermissionChecker empty() { return {}; }
+
+    [[nodiscard]] bool canRead(const Permissions& permissions) const { return decideRead(permissions).isAllowed; }
+    [[nodiscard]] bool canUpdate(const Permissions& permissions) const { return decideUpdate(permissions).isAllowed; }
+    /// Without a user nothing may be deleted, even when the permission system is off or overridden.
+    [[nodiscard]] bool canDelete(const Permissions& permissions) const { return decideDelete(permissions).isAllowed; }
+    [[nodiscard]] Visibility visibility(const Permissions& permissions) const;
+
+    [[nodiscard]] bool canRead(const AuthorizedAccess auto& record) const { return canRead(record.permissions); }
+    [[nodiscard]] bool canUpdate(const AuthorizedAccess auto& record) const { return canUpdate(record.permissions); }
+    [[nodiscard]] bool canDelete(const AuthorizedAccess auto& record) const { return canDelete(record.permissions); }
+    [[nodiscard]] Visibility visibility(const AuthorizedAccess auto& record) const;
+
+    // The same verdicts with the rule that decided.
+    [[nodiscard]] AccessDecision decideRead(const Permissions& permissions) const;
+    [[nodiscard]] AccessDecision decideUpdate(const Permissions& permissions) const;
+    [[nodiscard]] AccessDecision decideDelete(const Permissions& permissions) const;
+
+    friend bool operator==(const PermissionChecker&, const PermissionChecker&) = default;
+};
+
+/// How a record's visibility is presented.
+class PermissionChecker::Visibility : public Choice<Team, VisibilityPreset, NoPayload<2>, NoPayload<3>, NoPayload<4>> {
+  public:
+    /// Private to one ordinary team, beside the private teams of users.
+    [[nodiscard]] static Visibility privateForTeam(Team team) { return Visibility(std::move(team)); }
+    [[nodiscard]] static Visibility preset(VisibilityPreset preset) { return Visibility(std::move(preset)); }
+    [[nodiscard]] static Visibility public_() { return Visibility(NoPayload<2>{}); }
+    [[nodiscard]] static Visibility private_() { return Visibility(NoPayload<3>{}); }
+    [[nodiscard]] static Visibility custom() { return Visibility(NoPayload<4>{}); }
+
+    [[nodiscard]] bool isPrivateForTeam() const noexcept { return caseIndex() == 0; }
+    [[nodiscard]] bool isPreset() const noexcept { return caseIndex() == 1; }
+    [[nodiscard]] bool isPublic() const noexcept { return caseIndex() == 2; }
+    [[nodiscard]] bool isPrivate() const noexcept { return caseIndex() == 3; }
+    [[nodiscard]] bool isCustom() const noexcept { return caseIndex() == 4; }
+    [[nodiscard]] std::optional<Team> privateTeam() const { return payload<Team>(); }
+    [[nodiscard]] std::optional<VisibilityPreset> visibilityPreset() const { return payload<VisibilityPreset>(); }
+
+    /// The team's or the preset's name, or the visibility's own word, in the user's language.
+    [[nodiscard]] std::string localizedDisplayName() const;
+
+    friend bool operator==(const Visibility&, const Visibility&) = default;
+
+  private:
+    explicit Visibility(Variant value) : Choice(std::move(value)) {}
+};
+
+PermissionChecker::Visibility PermissionChecker::visibility(const AuthorizedAccess auto& record) const {
+    return visibility(record.permissions);
+}
+
+}  // namespace kestrel

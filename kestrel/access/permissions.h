@@ -1,0 +1,92 @@
+#pragma once
+
+#include <kestrel/access/visibility_preset.h>
+#include <kestrel/coding/codec.h>
+#include <kestrel/lookups/team.h>
+#include <cstddef>
+#include <cstdint>
+#include <expected>
+#include <initializer_list>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace kestrel {
+
+/// Why a text is not a set of teams.
+enum class PermissionSetError : std::uint8_t {
+    invalidPipeSet,  ///< the text is not of the form `|3|17|`
+};
+
+/// The teams that may do something. An empty set means no restriction.
+struct PermissionSet {
+    using Coded = void;
+
+    TeamIDs teamIDs{};
+
+    PermissionSet() = default;
+    PermissionSet(std::initializer_list<ObjectID<Team>> teams) : teamIDs(teams) {}
+    explicit PermissionSet(TeamIDs teams) : teamIDs(std::move(teams)) {}
+    explicit PermissionSet(std::span<const ObjectID<Team>> teams) : teamIDs(teams.begin(), teams.end()) {}
+
+    /// Reads the data store's text form, `|3|17|`; an empty text and `|` are the empty set.
+    [[nodiscard]] static std::expected<PermissionSet, PermissionSetError> parsePipeSet(std::string_view text);
+    /// The text form, with the keys ascending. Absent when a team is not saved, since it has no key.
+    [[nodiscard]] std::optional<std::string> pipeSet() const;
+
+    [[nodiscard]] std::size_t count() const noexcept { return teamIDs.size(); }
+    [[nodiscard]] bool isEmpty() const noexcept { return teamIDs.empty(); }
+    void add(const ObjectID<Team>& teamID) { teamIDs.insert(teamID); }
+    void remove(const ObjectID<Team>& teamID) { teamIDs.erase(teamID); }
+
+    /// Whether the set is empty or has this team.
+    [[nodiscard]] bool isAuthorized(const ObjectID<Team>& teamID) const {
+        return isEmpty() || teamIDs.contains(teamID);
+    }
+    /// Whether the set is empty or shares a team with `teams`. Linear in both.
+    [[nodiscard]] bool isAuthorizedForAny(const TeamIDs& teams) const noexcept;
+
+    friend bool operator==(const PermissionSet&, const PermissionSet&) = default;
+};
+extern template struct Codec<PermissionSet>;
+
+/// The first team, in order, that two sets share; absent when they share none. Linear in both sets, without allocation.
+[[nodiscard]] std::optional<ObjectID<Team>> firstSharedTeam(const TeamIDs& a, const TeamIDs& b) noexcept;
+
+/// Who may read and who may change a record. The two sets are independent of each other: a team with write access need
+/// not have read access. Removing the last team of a set makes it empty, and so lifts the restriction.
+struct Permissions {
+    using Coded = void;
+
+    PermissionSet readPermissions{};
+    PermissionSet writePermissions{};
+    /// The named visibility that the record was given, if any.
+    std::optional<VisibilityPreset> visibilityPreset{};
+
+    [[nodiscard]] bool isReadableByTeam(const ObjectID<Team>& team) const { return readPermissions.isAuthorized(team); }
+    [[nodiscard]] bool isWritableByTeam(const ObjectID<Team>& team) const {
+        return writePermissions.isAuthorized(team);
+    }
+    [[nodiscard]] bool isReadableByAnyTeamIn(const TeamIDs& teams) const noexcept {
+        return readPermissions.isAuthorizedForAny(teams);
+    }
+    [[nodiscard]] bool isWritableByAnyTeamIn(const TeamIDs& teams) const noexcept {
+        return writePermissions.isAuthorizedForAny(teams);
+    }
+    void giveReadAccess(const ObjectID<Team>& team) { readPermissions.add(team); }
+    void removeReadAccess(const ObjectID<Team>& team) { readPermissions.remove(team); }
+    void giveWriteAccess(const ObjectID<Team>& team) { writePermissions.add(team); }
+    void removeWriteAccess(const ObjectID<Team>& team) { writePermissions.remove(team); }
+
+    friend bool operator==(const Permissions&, const Permissions&) = default;
+};
+extern template struct Codec<Permissions>;
+
+/// A record under access control.
+template <class Record>
+concept AuthorizedAccess = requires(const Record& record) {
+    { record.permissions } -> std::convertible_to<const Permissions&>;
+};
+
+}  // namespace kestrel

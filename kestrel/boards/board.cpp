@@ -1,0 +1,186 @@
+#include <kestrel/boards/board.h>
+#include <kestrel/coding/wire_form.h>
+
+#include <algorithm>
+#include <boost/unordered/unordered_flat_map.hpp>
+#include <compare>
+#include <numeric>
+#include <string_view>
+
+namespace kestrel {
+
+KESTREL_FIELDS(BoardColumnHeaderData, id, title, count, total, active);
+KESTREL_FIELDS(BoardColumnData, id, header, cards);
+KESTREL_FIELDS(BoardData, columns, count, total);
+
+namespace {
+
+using Key = PipelineBoardSortKey;
+using SortOrder = PipelineBoardSortOrder;
+
+unsigned char folded(char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    return byte >= 'A' && byte <= 'Z' ? static_cast<unsigned char>(byte + ('a' - 'A')) : byte;
+}
+
+std::strong_ordering compareNames(std::string_view a, std::string_view b) noexcept {
+    const std::size_t common = std::min(a.size(), b.size());
+    for (std::size_t i = 0; i < common; ++i) {
+        if (const auto order = folded(a[i]) <=> folded(b[i]); order != 0) return order;
+    }
+    if (a.size() != b.size()) return a.size() <=> b.size();
+    return a <=> b;
+}
+
+/// What a card is sorted by: a number or a name, gathered once so that comparing reads nothing else.
+struct SortValue {
+    bool isPresent = false;
+    double number = 0;
+    std::string_view name{};
+    /// An opportunity before a project of the same identifier; boards do not mix them.
+    bool isProject = false;
+    ObjectIDStorage id = ObjectIDStorage::persistent(0);
+};
+
+SortValue sortValue(const BoardCandidate& candidate, Key key) {
+    const BoardCardData& card = candidate.card;
+    const OpportunityBoardCardData* opportunity = card.opportunityCard();
+    SortValue value;
+    value.isProject = opportunity == nullptr;
+    value.id = opportunity != nullptr ? opportunity->id.storage() : card.projectCard()->id.storage();
+    const auto set = [&](double number) {
+        value.isPresent = true;
+        value.number = number;
+    };
+    const auto setDate = [&](const std::optional<Date>& date) {
+        if (date) set(date->sinceReferenceDate());
+    };
+    switch (key) {
+        case Key::forecasted:
+        case Key::due:
+            setDate(card.dueDate());
+            break;
+        case Key::created:
+            setDate(candidate.createDate);
+            break;
+        case Key::name:
+            value.isPresent = true;
+            value.name = card.title();
+            break;
+        case Key::priority:
+            if (card.priority()) set(static_cast<double>(*card.priority()));
+            break;
+        case Key::totalValue:
+            if (opportunity != nullptr) set(opportunity->value);
+            break;
+        case Key::probability:
+            if (opportunity != nullptr) set(static_cast<double>(opportunity->probability));
+            break;
+        case Key::nextActivity:
+            if (card.nextActivities() && !card.nextActivities()->empty()) setDate(card.nextActivityDate());
+            break;
+        case Key::daysInStage:
+            // The longer ago it entered, the more days it has been there.
+            if (card.stageStartDate()) set(-card.stageStartDate()->sinceReferenceDate());
+            break;
+    }
+    // A value that is no number has no place among numbers.
+    if (value.number != value.number) value.isPresent = false;
+    return value;
+}
+
+bool standsBefore(const SortValue& a, const SortValue& b, SortOrder order) noexcept {
+    if (a.isPresent != b.isPresent) return a.isPresent;
+    if (a.isPresent) {
+        if (a.number != b.number) return (a.number < b.number) == (order == SortOrder::forward);
+        if (const auto names = compareNames(a.name, b.name); names != 0)
+            return (names < 0) == (order == SortOrder::forward);
+    }
+    if (a.isProject != b.isProject) return b.isProject;
+    return a.id < b.id;
+}
+
+struct Column {
+    BoardColumnData data;
+    std::vector<std::size_t> candidates;
+};
+
+/// The columns of a board, found by stage.
+class Columns {
+  public:
+    explicit Columns(std::span<const PipelineStageDefinition> stages) {
+        std::vector<const PipelineStageDefinition*> ordered;
+        for (const auto& stage : stages)
+            ordered.push_back(&stage);
+        std::ranges::stable_sort(ordered, [](const auto* a, const auto* b) {
+            const bool aDeleted = a->deletionDate.has_value();
+            const bool bDeleted = b->deletionDate.has_value();
+            if (aDeleted != bDeleted) return bDeleted;
+            return a->order != b->order ? a->order < b->order : a->objectID() < b->objectID();
+        });
+        for (const auto* stage : ordered)
+            add(stage->objectID(), stage->name.value_or(""), !stage->deletionDate);
+    }
+    Column& of(const ObjectID<PipelineStageDefinition>& stage) {
+        const auto found = places_.find(stage);
+        return columns_[found != places_.end() ? found->second : add(stage, "", false)];
+    }
+    std::vector<Column> take() { return std::move(columns_); }
+
+  private:
+    std::size_t add(const ObjectID<PipelineStageDefinition>& stage, std::string title, bool active) {
+        const auto [place, isNew] = places_.try_emplace(stage, columns_.size());
+        if (!isNew) return place->second;
+        Column column;
+        column.data.id = stage.value().value_or(0);
+        column.data.header = {.id = column.data.id, .title = std::move(title), .active = active};
+        columns_.push_back(std::move(column));
+        return columns_.size() - 1;
+    }
+
+    std::vector<Column> columns_;
+    boost::unordered_flat_map<ObjectID<PipelineStageDefinition>, std::size_t,
+                              std::hash<ObjectID<PipelineStageDefinition>>>
+        places_;
+};
+
+}  // namespace
+
+bool BoardCardOrder::operator()(const BoardCandidate& a, const BoardCandidate& b) const noexcept {
+    return standsBefore(sortValue(a, descriptor_.key), sortValue(b, descriptor_.key), descriptor_.order);
+}
+
+BoardData assembleBoard(BoardKind kind, std::span<const PipelineStageDefinition> stages,
+                        std::vector<BoardCandidate> candidates, PipelineBoardSortDescriptor descriptor) {
+    Columns columns(stages);
+    std::vector<SortValue> values;
+    values.reserve(candidates.size());
+    for (std::size_t i = 0; i < candidates.size(); ++i) {
+        values.push_back(sortValue(candidates[i], descriptor.key));
+        if (const auto& stage = candidates[i].card.stageID()) columns.of(*stage).candidates.push_back(i);
+    }
+    BoardData board;
+    for (Column& column : columns.take()) {
+        if (!column.data.header.active && column.candidates.empty()) continue;
+        // Sorting places instead of cards moves each card once.
+        std::ranges::sort(column.candidates, [&](std::size_t a, std::size_t b) {
+            return standsBefore(values[a], values[b], descriptor.order);
+        });
+        BoardColumnHeaderData& header = column.data.header;
+        if (kind == BoardKind::opportunities) header.total = 0;
+        column.data.cards.reserve(column.candidates.size());
+        for (const std::size_t place : column.candidates) {
+            BoardCardData& card = column.data.cards.emplace_back(std::move(candidates[place].card));
+            if (const auto* opportunity = card.opportunityCard(); opportunity != nullptr && header.total) {
+                *header.total += opportunity->value;
+            }
+        }
+        header.count = static_cast<std::int64_t>(column.data.cards.size());
+        board.count += header.count;
+        board.total += header.total.value_or(0);
+        board.columns.push_back(std::move(column.data));
+    }
+    return board;
+}
+
+}  // namespace kestrel

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <kestrel/foundation/enumeration.h>
+#include <cstdint>
+#include <string>
+
+namespace kestrel {
+
+/// The outcome of an opportunity, by the database's codes. `allCases<OpportunityState>` walks them;
+/// `fromRawValue<OpportunityState>(code)` is absent for a code that is none.
+enum class OpportunityState : std::int64_t { open = 0, won = 1, suspended = 2, abandoned = 3, lost = 4 };
+
+/// The state's name in the user's language.
+[[nodiscard]] std::string localizedName(OpportunityState state);
+
+}  // namespace kestrel

@@ -1,0 +1,389 @@
+#pragma once
+
+#include <kestrel/coding/coding_access.h>
+#include <kestrel/coding/debug_mirror.h>
+#include <kestrel/coding/json_reader.h>
+#include <kestrel/coding/json_writer.h>
+#include <kestrel/foundation/enumeration.h>
+#include <kestrel/foundation/hashing.h>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+namespace kestrel {
+
+/// How values of `T` are written, read, hashed and shown. The members are declared here and defined where the type's
+/// field table or case table stands, in one source file: what includes a type's header compiles none of it.
+template <class T>
+struct Codec {
+    /// Writes the value, or fails through the writer. What was written before a failure is taken back by the caller.
+    static bool encode(JSONWriter& writer, const T& value);
+    /// Reads the value at the reader's cursor into `value`, which is `blank()`, or fails through the reader.
+    static bool decode(JSONReader& reader, T& value);
+    /// A value to decode into. It says nothing.
+    static T blank();
+    static void hash(Hasher& hasher, const T& value);
+    static void mirror(DebugMirror& mirror, const T& value);
+};
+
+struct RGBAColor;
+extern template struct Codec<RGBAColor>;
+
+/// A type that has a codec: records (they have a record name), and values that say so with `using Coded = void;`.
+template <class T>
+concept Coded = requires { typename T::Coded; } || requires { T::recordName; };
+
+/// A container with unique, ordered members, such as a set of identifiers.
+template <class C>
+concept CodedSet = requires(C set, typename C::value_type member) {
+    typename C::key_type;
+    set.insert(member);
+    requires std::same_as<typename C::key_type, typename C::value_type>;
+};
+
+// The operations over everything that a member can be: scalars, texts, dates, data, enumerations, coded types, and
+// optionals, vectors and sets of them.
+
+template <class T>
+[[nodiscard]] T blankValue() {
+    if constexpr (Coded<T>) {
+        return Codec<T>::blank();
+    } else {
+        return T{};
+    }
+}
+
+/// Makes a blank value in place, in a container that constructs from it.
+template <class T>
+struct BlankMaker {
+    // NOLINTNEXTLINE(google-explicit-constructor): the conversion is what it is for.
+    operator T() const { return blankValue<T>(); }
+};
+
+// -------------------------------------------------------------------------------------------------------------
+// declarations
+
+template <class T>
+bool encodeValue(JSONWriter& writer, const T& value);
+template <class T>
+bool encodeValue(JSONWriter& writer, const std::vector<T>& values);
+template <CodedSet C>
+bool encodeValue(JSONWriter& writer, const C& values);
+template <class T>
+bool encodeValue(JSONWriter& writer, const std::optional<T>& value);
+
+template <class T>
+bool decodeValue(JSONReader& reader, T& value);
+template <class T>
+bool decodeValue(JSONReader& reader, std::vector<T>& values);
+template <CodedSet C>
+bool decodeValue(JSONReader& reader, C& values);
+template <class T>
+bool decodeValue(JSONReader& reader, std::optional<T>& value);
+
+template <class T>
+void hashValue(Hasher& hasher, const T& value);
+template <class T>
+void hashValue(Hasher& hasher, const std::vector<T>& values);
+template <CodedSet C>
+void hashValue(Hasher& hasher, const C& values);
+template <class T>
+void hashValue(Hasher& hasher, const std::optional<T>& value);
+
+template <class T>
+void mirrorValue(DebugMirror& mirror, const T& value);
+template <class T>
+void mirrorValue(DebugMirror& mirror, const std::vector<T>& values);
+template <CodedSet C>
+void mirrorValue(DebugMirror& mirror, const C& values);
+
+// -----------------------------------------------------------------------------------------------------------------
+// encoding
+
+namespace coding_detail {
+
+template <Enumeration E>
+bool encodeEnumeration(JSONWriter& writer, E value) {
+    const std::string_view name = caseName(value);
+    if (name.empty()) return writer.fail("The enumeration has no case of this raw value.");
+    if constexpr (enumerationForm<E> == EnumerationForm::rawValue) {
+        return writer.write(rawValue(value));
+    } else if constexpr (enumerationForm<E> == EnumerationForm::caseText) {
+        return writer.write(name);
+    } else {
+        const std::size_t opened = writer.open();
+        writer.key(name);
+        writer.append("{}");
+        writer.closeObject(opened);
+        return true;
+    }
+}
+
+/// Reads the key of a keyed enumeration, the last one when a case is named twice. Defined in case_coding.cpp.
+bool decodeCaseName(JSONReader& reader, const std::string_view* names, std::size_t count, std::size_t& found,
+                    JSONReader::Place& payload);
+
+template <Enumeration E>
+bool decodeEnumeration(JSONReader& reader, E& value) {
+    if constexpr (enumerationForm<E> == EnumerationForm::keyed) {
+        static constexpr auto names = [] {
+            std::array<std::string_view, allCases<E>.size()> list{};
+            for (std::size_t i = 0; i < list.size(); ++i)
+                list[i] = caseName(allCases<E>[i]);
+            return list;
+        }();
+        std::size_t found = 0;
+        JSONReader::Place payload;
+        if (!decodeCaseName(reader, names.data(), names.size(), found, payload)) return false;
+        const auto behind = reader.place();
+        reader.goTo(payload);
+        const bool isObject = reader.expectObject();
+        reader.goTo(behind);
+        if (!isObject) {
+            reader.prependKey(names[found]);
+            return false;
+        }
+        value = allCases<E>[found];
+        return true;
+    } else {
+        const auto start = reader.place();
+        std::optional<E> found;
+        if constexpr (enumerationForm<E> == EnumerationForm::rawValue) {
+            std::int64_t raw = 0;
+            if (!reader.read(raw)) return false;
+            found = fromRawValue<E>(raw);
+            if (!found) {
+                reader.goTo(start);
+                return reader.fail(DecodingError::Kind::dataCorrupted,
+                                   "No case has the raw value " + std::to_string(raw) + ".");
+            }
+        } else {
+            std::string name;
+            if (!reader.read(name)) return false;
+            found = fromCaseName<E>(name);
+            if (!found) {
+                reader.goTo(start);
+                return reader.fail(DecodingError::Kind::dataCorrupted, "No case has the raw value \"" + name + "\".");
+            }
+        }
+        value = *found;
+        return true;
+    }
+}
+
+template <class C>
+bool encodeElements(JSONWriter& writer, const C& values) {
+    const std::size_t opened = writer.open();
+    std::size_t index = 0;
+    for (const auto& value : values) {
+        writer.element();
+        if (!encodeValue(writer, value)) {
+            writer.prependIndex(index);
+            return false;
+        }
+        ++index;
+    }
+    writer.closeArray(opened);
+    return true;
+}
+
+}  // namespace coding_detail
+
+template <class T>
+bool encodeValue(JSONWriter& writer, const T& value) {
+    if constexpr (std::is_enum_v<T>) {
+        return coding_detail::encodeEnumeration(writer, value);
+    } else if constexpr (Coded<T>) {
+        return Codec<T>::encode(writer, value);
+    } else {
+        return writer.write(value);
+    }
+}
+
+template <class T>
+bool encodeValue(JSONWriter& writer, const std::vector<T>& values) {
+    return coding_detail::encodeElements(writer, values);
+}
+
+template <CodedSet C>
+bool encodeValue(JSONWriter& writer, const C& values) {
+    return coding_detail::encodeElements(writer, values);
+}
+
+/// Members leave absent values out before they come here; as an element or a whole document an absent value is null.
+template <class T>
+bool encodeValue(JSONWriter& writer, const std::optional<T>& value) {
+    if (value) return encodeValue(writer, *value);
+    writer.writeNull();
+    return true;
+}
+
+// -----------------------------------------------------------------------------------------------------------------
+// decoding
+
+template <class T>
+bool decodeValue(JSONReader& reader, T& value) {
+    if constexpr (std::is_enum_v<T>) {
+        return coding_detail::decodeEnumeration(reader, value);
+    } else if constexpr (Coded<T>) {
+        return Codec<T>::decode(reader, value);
+    } else {
+        return reader.read(value);
+    }
+}
+
+template <class T>
+bool decodeValue(JSONReader& reader, std::vector<T>& values) {
+    values.clear();
+    if (!reader.beginArray()) return false;
+    if (reader.endIfEmpty(']')) return true;
+    const std::size_t total = reader.remaining();
+    for (;;) {
+        if (values.size() == values.capacity() && values.size() >= 8) {
+            // As many elements as the rest of the document holds if they are all as long as those read so far, but
+            // never more than four times as many at once: a hostile document may start with short ones.
+            const std::size_t read = total - reader.remaining();
+            const std::size_t left = reader.remaining() / (read / values.size() + 1);
+            values.reserve(values.size() + std::min(left + left / 16 + 1, values.size() * 4));
+        }
+        if (!decodeValue(reader, values.emplace_back(BlankMaker<T>{}))) {
+            reader.prependIndex(values.size() - 1);
+            return false;
+        }
+        switch (reader.nextElement()) {
+            case JSONReader::Next::another:
+                break;
+            case JSONReader::Next::end:
+                return true;
+            case JSONReader::Next::broken:
+                return false;
+        }
+    }
+}
+
+template <CodedSet C>
+bool decodeValue(JSONReader& reader, C& values) {
+    std::vector<typename C::value_type> elements;
+    if (!decodeValue(reader, elements)) return false;
+    values = C(elements.begin(), elements.end());
+    return true;
+}
+
+template <class T>
+bool decodeValue(JSONReader& reader, std::optional<T>& value) {
+    if (reader.isNull()) {
+        value.reset();
+        return reader.readNull();
+    }
+    if constexpr (std::is_constructible_v<T, BlankMaker<T>>) {
+        return decodeValue(reader, value.emplace(BlankMaker<T>{}));
+    } else {
+        return decodeValue(reader, value.emplace());
+    }
+}
+
+// ------------------------------------------------------------------------------------------------------- hashing,
+// mirroring
+
+template <class T>
+void hashValue(Hasher& hasher, const T& value) {
+    if constexpr (std::is_enum_v<T>) {
+        hasher.combine(static_cast<std::uint64_t>(value));
+    } else if constexpr (Coded<T>) {
+        Codec<T>::hash(hasher, value);
+    } else if constexpr (std::is_same_v<T, double>) {
+        // The two zeros are equal, so they hash alike.
+        hasher.combine(std::bit_cast<std::uint64_t>(value == 0 ? 0.0 : value));
+    } else if constexpr (std::is_same_v<T, Date>) {
+        hashValue(hasher, value.sinceReferenceDate());
+    } else if constexpr (std::is_same_v<T, Data>) {
+        hasher.combine(value.text());
+    } else if constexpr (std::is_integral_v<T>) {
+        hasher.combine(static_cast<std::uint64_t>(value));
+    } else {
+        hasher.combine(std::string_view(value));
+    }
+}
+
+template <class T>
+void hashValue(Hasher& hasher, const std::vector<T>& values) {
+    hasher.combine(values.size());
+    for (const auto& value : values)
+        hashValue(hasher, value);
+}
+
+template <CodedSet C>
+void hashValue(Hasher& hasher, const C& values) {
+    hasher.combine(values.size());
+    for (const auto& value : values)
+        hashValue(hasher, value);
+}
+
+template <class T>
+void hashValue(Hasher& hasher, const std::optional<T>& value) {
+    hasher.combine(value.has_value() ? 1U : 0U);
+    if (value) hashValue(hasher, *value);
+}
+
+template <class T>
+void mirrorValue(DebugMirror& mirror, const T& value) {
+    if constexpr (std::is_enum_v<T>) {
+        mirror.word(caseName(value));
+    } else if constexpr (Coded<T>) {
+        Codec<T>::mirror(mirror, value);
+    } else {
+        mirror.show(value);
+    }
+}
+
+namespace coding_detail {
+
+template <class C>
+void mirrorElements(DebugMirror& mirror, const C& values) {
+    if (values.empty()) return mirror.word("none");
+    mirror.open();
+    std::size_t index = 0;
+    for (const auto& value : values) {
+        mirror.element(index++);
+        mirrorValue(mirror, value);
+    }
+    mirror.close();
+}
+
+}  // namespace coding_detail
+
+template <class T>
+void mirrorValue(DebugMirror& mirror, const std::vector<T>& values) {
+    coding_detail::mirrorElements(mirror, values);
+}
+
+template <CodedSet C>
+void mirrorValue(DebugMirror& mirror, const C& values) {
+    coding_detail::mirrorElements(mirror, values);
+}
+
+/// The debug mirror of any coded value, over several lines without a final newline.
+template <class T>
+[[nodiscard]] std::string debugMirror(const T& value) {
+    DebugMirror mirror;
+    mirrorValue(mirror, value);
+    return mirror.take();
+}
+
+}  // namespace kestrel
+
+/// Coded values hash by all that their codec writes: sensitive to every field that equality compares.
+template <kestrel::Coded T>
+    requires(std::is_class_v<T>)
+struct std::hash<T> {
+    using is_avalanching = void;
+    [[nodiscard]] std::size_t operator()(const T& value) const {
+        kestrel::Hasher hasher;
+        kestrel::Codec<T>::hash(hasher, value);
+        return static_cast<std::size_t>(hasher.result());
+    }
+};

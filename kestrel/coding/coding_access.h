@@ -1,0 +1,52 @@
+#pragma once
+
+#include <kestrel/foundation/choice.h>
+#include <kestrel/foundation/read_only.h>
+#include <utility>
+
+namespace kestrel {
+
+/// The codecs' way into members that are read-only and choices that have no default: a value that is being decoded is
+/// filled in place.
+class CodingAccess {
+  public:
+    template <class T, class Owner>
+    [[nodiscard]] static constexpr T& member(ReadOnly<T, Owner>& member) noexcept {
+        return member.value_;
+    }
+    template <class T>
+    [[nodiscard]] static constexpr T& member(T& member) noexcept {
+        return member;
+    }
+    template <class T, class Owner>
+    [[nodiscard]] static constexpr const T& member(const ReadOnly<T, Owner>& member) noexcept {
+        return member.get();
+    }
+    template <class... Payloads>
+    [[nodiscard]] static std::variant<Payloads...>& variant(Choice<Payloads...>& choice) noexcept {
+        return choice.value_;
+    }
+    template <class... Payloads>
+    [[nodiscard]] static const std::variant<Payloads...>& variant(const Choice<Payloads...>& choice) noexcept {
+        return choice.value_;
+    }
+    /// A choice of the type `C` that holds the given variant.
+    template <class C>
+    [[nodiscard]] static C make(typename C::Variant variant) {
+        return C(std::move(variant));
+    }
+};
+
+/// What a member holds, seen through `ReadOnly`.
+template <class M>
+struct MemberValue {
+    using Type = M;
+};
+template <class T, class Owner>
+struct MemberValue<ReadOnly<T, Owner>> {
+    using Type = T;
+};
+template <class M>
+using MemberValueOf = typename MemberValue<M>::Type;
+
+}  // namespace kestrel

@@ -1,0 +1,19 @@
+#pragma once
+
+namespace kestrel {
+
+/// How dates are written and read.
+enum class DateStrategy {
+    deferred,               ///< seconds since 2001-01-01T00:00:00Z, as a number
+    secondsSince1970,       ///< seconds since 1970-01-01T00:00:00Z, as a number
+    millisecondsSince1970,  ///< milliseconds since 1970-01-01T00:00:00Z, as a number
+    iso8601,  ///< a text such as "2017-03-01T00:00:00Z"; written in UTC, read with any offset; years 1 to 9999
+};
+
+struct CodingOptions {
+    DateStrategy dateStrategy{DateStrategy::deferred};
+
+    friend bool operator==(const CodingOptions&, const CodingOptions&) = default;
+};
+
+}  // namespace kestrel

@@ -1,0 +1,93 @@
+#pragma once
+
+#include <kestrel/coding/coding_error.h>
+#include <kestrel/coding/coding_options.h>
+#include <kestrel/foundation/data.h>
+#include <kestrel/foundation/date.h>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+namespace kestrel {
+
+/// Writes JSON into a text: compact, keys in the order in which they are given. Codecs call it; what they have written
+/// is taken back as a whole when one of them fails.
+class JSONWriter {
+  public:
+    /// Appends to `out`, which must outlive the writer and not be touched until `finish` or `abandon`.
+    JSONWriter(std::string& out, const CodingOptions& options);
+
+    [[nodiscard]] const CodingOptions& options() const noexcept { return options_; }
+
+    // Values. Each fails when the value has no JSON form: a number that is not finite, a text that is not UTF-8, a date
+    // that the strategy cannot express.
+    bool write(std::string_view value);
+    bool write(const std::string& value) { return write(std::string_view(value)); }
+    bool write(std::int64_t value);
+    bool write(double value);
+    bool write(bool value);
+    bool write(Date value);
+    bool write(const Data& value);
+    void writeNull() { append("null"); }
+
+    // Objects and arrays. A member is its key, as the ready text `,"key":`, and then its value; an element is a comma
+    // and then its value. Closing puts the opening character over the first comma.
+    [[nodiscard]] std::size_t open() const noexcept { return static_cast<std::size_t>(cursor_ - buffer_->data()); }
+    template <std::size_t N>
+    [[gnu::always_inline]] void key(const char (&commaKeyColon)[N]) {
+        constexpr std::size_t length = N - 1;
+        reserve(length);
+        std::memcpy(cursor_, commaKeyColon, length);
+        cursor_ += length;
+    }
+    /// A key that is not known before the program runs, already plain enough to stand in quotes as it is.
+    void key(std::string_view plainKey);
+    void element() {
+        reserve(1);
+        *cursor_++ = ',';
+    }
+    void closeObject(std::size_t opened) { close(opened, '{', '}'); }
+    void closeArray(std::size_t opened) { close(opened, '[', ']'); }
+    /// Text that is JSON already.
+    void append(std::string_view json) {
+        reserve(json.size());
+        std::memcpy(cursor_, json.data(), json.size());
+        cursor_ += json.size();
+    }
+
+    /// Trims the text to what was written.
+    void finish();
+    /// Trims the text to what it was before.
+    void abandon();
+
+    /// An error in the codec's own words; returns false.
+    bool fail(std::string description, EncodingError::OffendingValue value = {});
+    /// Adds a step to the path of the error that is on its way out.
+    void prependKey(std::string_view key) { error_.codingPath.prepend(std::string(key)); }
+    void prependIndex(std::size_t index) { error_.codingPath.prepend(index); }
+    [[nodiscard]] EncodingError takeError() { return std::move(error_); }
+
+  private:
+    [[gnu::always_inline]] void reserve(std::size_t count) {
+        if (static_cast<std::size_t>(limit_ - cursor_) < count) grow(count);
+    }
+    void grow(std::size_t count);
+    void close(std::size_t opened, char opening, char closing) {
+        reserve(2);
+        char* const start = buffer_->data() + opened;
+        if (start == cursor_) ++cursor_;
+        *start = opening;
+        *cursor_++ = closing;
+    }
+
+    std::string* buffer_;
+    std::size_t before_;
+    char* cursor_;
+    char* limit_;
+    CodingOptions options_;
+    EncodingError error_;
+};
+
+}  // namespace kestrel

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <kestrel/foundation/date.h>
+#include <chrono>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace date {
+class time_zone;
+}
+
+namespace kestrel {
+
+/// The Gregorian calendar in a time zone, with a first day of the week. A small value: copying is cheap, and reading it
+/// is safe from any thread.
+///
+/// A day starts at its first moment. Where clocks are put forward at midnight that is one o'clock, and where they are
+/// put back over midnight it is the earlier of the two midnights; days are therefore of 23, 24 or 25 hours.
+class Calendar {
+  public:
+    /// Of the user: the zone of the environment variable TZ, else of the system, else UTC; the first weekday of the
+    /// user's locale, Monday where the locale says nothing. Reads the environment at every call.
+    [[nodiscard]] static Calendar current();
+    [[nodiscard]] static Calendar utc(std::chrono::weekday firstWeekday = std::chrono::Monday);
+    /// By the zone's name in the time-zone database, such as "Europe/Berlin". Absent when there is no such zone.
+    [[nodiscard]] static std::optional<Calendar> inZone(std::string_view timeZoneName,
+                                                        std::chrono::weekday firstWeekday = std::chrono::Monday);
+
+    [[nodiscard]] std::string_view timeZoneName() const;
+    [[nodiscard]] std::chrono::weekday firstWeekday() const noexcept { return firstWeekday_; }
+
+    /// The calendar day on which a moment falls.
+    [[nodiscard]] std::chrono::local_days dayOf(Date date) const;
+    /// The first moment of a day. Dates beyond the years -9999 to 9999 stop the program.
+    [[nodiscard]] Date startOf(std::chrono::local_days day) const;
+
+    [[nodiscard]] bool isSameDay(Date a, Date b) const { return dayOf(a) == dayOf(b); }
+    /// Whether `date` falls on the day of `now`.
+    [[nodiscard]] bool isToday(Date date, Date now = Date::now()) const { return isSameDay(date, now); }
+    /// Midnights passed from `from` to `to`: 0 on the same day, 1 on the next, negative when `to` is earlier.
+    [[nodiscard]] int daysBetween(Date from, Date to) const;
+
+    [[nodiscard]] Date startOfDay(Date date) const;
+    [[nodiscard]] Date startOfWeek(Date date) const;
+    [[nodiscard]] Date startOfMonth(Date date) const;
+    /// Quarters start with January, April, July and October.
+    [[nodiscard]] Date startOfQuarter(Date date) const;
+    [[nodiscard]] Date startOfYear(Date date) const;
+
+    friend bool operator==(const Calendar&, const Calendar&) = default;
+
+  private:
+    Calendar(const ::date::time_zone* zone, std::chrono::weekday firstWeekday)
+        : zone_(zone), firstWeekday_(firstWeekday) {}
+
+    /// Owned by the time-zone database, which lives as long as the program. Absent means UTC.
+    const ::date::time_zone* zone_;
+    std::chrono::weekday firstWeekday_;
+};
+
+/// Where and when something is looked at: what depends on "today" takes one. By default the user's calendar, now.
+struct CalendarMoment {
+    Calendar calendar = Calendar::current();
+    Date now = Date::now();
+};
+
+/// The parts of a moment in a calendar that relative ranges are made of, as whole days.
+namespace calendar_days {
+
+[[nodiscard]] std::chrono::local_days startOfWeek(std::chrono::local_days day, std::chrono::weekday firstWeekday);
+[[nodiscard]] std::chrono::local_days startOfMonth(std::chrono::local_days day);
+[[nodiscard]] std::chrono::local_days startOfQuarter(std::chrono::local_days day);
+[[nodiscard]] std::chrono::local_days startOfYear(std::chrono::local_days day);
+/// Adds months to the first day of a month.
+[[nodiscard]] std::chrono::local_days addMonths(std::chrono::local_days firstOfMonth, int months);
+
+}  // namespace calendar_days
+
+}  // namespace kestrel

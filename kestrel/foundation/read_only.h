@@ -1,0 +1,55 @@
+#pragma once
+
+#include <concepts>
+#include <optional>
+#include <type_traits>
+#include <utility>
+
+namespace kestrel {
+
+class CodingAccess;
+
+/// A member that callers read and only its owner replaces.
+///
+/// A record's identifier is declared `ReadOnly<ObjectID<Contact>, Contact> contactID;`. It is initialised from a plain
+/// value and reads as one. Assigning to it does not compile outside `Owner`, yet whole records still copy, move, swap
+/// and sort, because their implicit assignment is the owner's own.
+template <class T, class Owner>
+class ReadOnly {
+  public:
+    using Value = T;
+
+    // NOLINTNEXTLINE(google-explicit-constructor): an initialiser gives the plain value.
+    constexpr ReadOnly(T value) : value_(std::move(value)) {}
+    /// From whatever makes a value without a cast, such as a primary key for an identifier.
+    template <std::convertible_to<T> U>
+        requires(!std::same_as<std::remove_cvref_t<U>, ReadOnly> && !std::same_as<std::remove_cvref_t<U>, T>)
+    // NOLINTNEXTLINE(google-explicit-constructor,bugprone-forwarding-reference-overload)
+    constexpr ReadOnly(U&& value) : value_(std::forward<U>(value)) {}
+    /// Absent. Only optional members have it: an identifier is always given.
+    constexpr ReadOnly()
+        requires requires { T{std::nullopt}; }
+        : value_(std::nullopt) {}
+    ReadOnly(const ReadOnly&) = default;
+    ReadOnly(ReadOnly&&) = default;
+    ~ReadOnly() = default;
+
+    // NOLINTNEXTLINE(google-explicit-constructor): reads as the plain value.
+    [[nodiscard]] constexpr operator const T&() const noexcept { return value_; }
+    [[nodiscard]] constexpr const T& get() const noexcept { return value_; }
+    [[nodiscard]] constexpr const T& operator*() const noexcept { return value_; }
+    [[nodiscard]] constexpr const T* operator->() const noexcept { return &value_; }
+
+    friend constexpr bool operator==(const ReadOnly& a, const ReadOnly& b) { return a.value_ == b.value_; }
+    friend constexpr bool operator==(const ReadOnly& a, const T& b) { return a.value_ == b; }
+
+  private:
+    friend Owner;
+    friend CodingAccess;
+    ReadOnly& operator=(const ReadOnly&) = default;
+    ReadOnly& operator=(ReadOnly&&) = default;
+
+    T value_;
+};
+
+}  // namespace kestrel

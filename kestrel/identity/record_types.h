@@ -1,0 +1,101 @@
+#pragma once
+
+#include <concepts>
+#include <string_view>
+#include <type_traits>
+
+/// The register of record types: every record of the library by its two names, and nothing else. An identifier of a
+/// record can thus be coded, printed and told apart where the record itself is not known; tools walk all types here.
+namespace kestrel {
+
+/// A record type's names. `recordName` stands in the keyed form of identifiers; `entityName` names the data-store
+/// entity that holds the records, and stands in the text of identifiers. They differ for companies, which the store
+/// calls organisations, and for the type-erased records.
+template <class Record>
+struct RecordNames {
+    using Type = Record;
+
+    std::string_view recordName;
+    std::string_view entityName{recordName};
+};
+
+template <class... Entries>
+struct RecordRegister : Entries... {
+    /// Calls `visit` with the names of every record type, in alphabetical order of the types.
+    template <class Visitor>
+    constexpr void forEach(Visitor&& visit) const {
+        (visit(static_cast<const Entries&>(*this)), ...);
+    }
+    template <class Record>
+    static constexpr bool contains = (std::is_same_v<Record, typename Entries::Type> || ...);
+};
+template <class... Entries>
+RecordRegister(Entries...) -> RecordRegister<Entries...>;
+
+inline constexpr RecordRegister recordTypes{
+    RecordNames<struct AnyLabel>{"AnyLabel", "Label"},
+    RecordNames<struct AnyRelationship>{"AnyRelationship", "Relationship"},
+    RecordNames<struct AnyRole>{"AnyRole", "Role"},
+    RecordNames<struct Category>{"Category"},
+    RecordNames<struct Company>{"Company", "Organization"},
+    RecordNames<struct CompanyType>{"CompanyType", "OrganizationType"},
+    RecordNames<struct Contact>{"Contact"},
+    RecordNames<struct Email>{"Email"},
+    RecordNames<struct ExtraFieldsNames>{"ExtraFieldsNames"},
+    RecordNames<struct ExtraVInfo>{"ExtraVInfo"},
+    RecordNames<struct FileAttachment>{"FileAttachment"},
+    RecordNames<struct Form>{"Form"},
+    RecordNames<struct Group>{"Group"},
+    RecordNames<struct IndustryType>{"IndustryType"},
+    RecordNames<struct Keyword>{"Keyword"},
+    RecordNames<struct Note>{"Note"},
+    RecordNames<struct Opportunity>{"Opportunity"},
+    RecordNames<struct OpportunityStateReason>{"OpportunityStateReason"},
+    RecordNames<struct OpportunityType>{"OpportunityType"},
+    RecordNames<struct Pipeline>{"Pipeline"},
+    RecordNames<struct PipelineDefinition>{"PipelineDefinition"},
+    RecordNames<struct PipelineStage>{"PipelineStage"},
+    RecordNames<struct PipelineStageDefinition>{"PipelineStageDefinition"},
+    RecordNames<struct PipelineStageHistory>{"PipelineStageHistory"},
+    RecordNames<struct Project>{"Project"},
+    RecordNames<struct RegionType>{"RegionType"},
+    RecordNames<struct Task>{"Task"},
+    RecordNames<struct Team>{"Team"},
+    RecordNames<struct Timeblock>{"Timeblock"},
+    RecordNames<struct URLReference>{"URLReference"},
+    RecordNames<struct User>{"User"},
+    RecordNames<struct VisibilityPreset>{"VisibilityPreset"},
+};
+
+template <class T>
+concept RegisteredRecord = decltype(recordTypes)::contains<T>;
+
+/// A record's own name: of the register, or for a host's own record type what the type says.
+template <class T>
+inline constexpr std::string_view recordNameOf = [] {
+    if constexpr (RegisteredRecord<T>) {
+        return static_cast<const RecordNames<T>&>(recordTypes).recordName;
+    } else {
+        return std::string_view(T::recordName);
+    }
+}();
+
+/// The name of the data-store entity that holds a record.
+template <class T>
+inline constexpr std::string_view entityNameOf = [] {
+    if constexpr (RegisteredRecord<T>) {
+        return static_cast<const RecordNames<T>&>(recordTypes).entityName;
+    } else {
+        return std::string_view(T::entityName);
+    }
+}();
+
+/// A record: it has its two names, and an identifier of its own type.
+template <class T>
+concept BaseRecord = requires(const T& record) {
+    { T::recordName } -> std::convertible_to<std::string_view>;
+    { T::entityName } -> std::convertible_to<std::string_view>;
+    record.objectID();
+};
+
+}  // namespace kestrel

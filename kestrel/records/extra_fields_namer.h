@@ -1,0 +1,67 @@
+#pragma once
+
+#include <kestrel/foundation/date.h>
+#include <kestrel/records/extra_fields_names.h>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace kestrel {
+
+/// A record with the twelve extra texts and four extra dates.
+template <class Record>
+concept HasExtraFields = requires(const Record& record) {
+    { record.extra1 } -> std::convertible_to<const std::optional<std::string>&>;
+    { record.extra12 } -> std::convertible_to<const std::optional<std::string>&>;
+    { record.extraDate1 } -> std::convertible_to<const std::optional<Date>&>;
+    { record.extraDate4 } -> std::convertible_to<const std::optional<Date>&>;
+};
+
+struct NamedExtraField {
+    std::string name{};
+    std::string value{};
+
+    friend bool operator==(const NamedExtraField&, const NamedExtraField&) = default;
+};
+
+struct NamedExtraDate {
+    std::string name{};
+    Date date{};
+
+    friend bool operator==(const NamedExtraDate&, const NamedExtraDate&) = default;
+};
+
+/// Pairs a record's filled-in extra fields with their names: those of a names record, and "Extra Field 3" in the user's
+/// language for a field that has none.
+class ExtraFieldsNamer {
+  public:
+    explicit ExtraFieldsNamer(ExtraFieldsNames names) : names_(std::move(names)) {}
+    /// Without a names record: every field has its default name.
+    [[nodiscard]] static ExtraFieldsNamer empty() { return {}; }
+
+    /// The texts that are present, from field 1 to 12. An empty text is present; so is an empty name.
+    [[nodiscard]] std::vector<NamedExtraField> namedFields(const HasExtraFields auto& record) const {
+        return nameFields({&record.extra1, &record.extra2, &record.extra3, &record.extra4, &record.extra5,
+                           &record.extra6, &record.extra7, &record.extra8, &record.extra9, &record.extra10,
+                           &record.extra11, &record.extra12});
+    }
+    /// The dates that are present, from date 1 to 4.
+    [[nodiscard]] std::vector<NamedExtraDate> namedDates(const HasExtraFields auto& record) const {
+        return nameDates({&record.extraDate1, &record.extraDate2, &record.extraDate3, &record.extraDate4});
+    }
+
+    friend bool operator==(const ExtraFieldsNamer&, const ExtraFieldsNamer&) = default;
+
+  private:
+    template <class T>
+    using Fields = std::initializer_list<const std::optional<T>*>;
+
+    ExtraFieldsNamer() = default;
+    [[nodiscard]] std::vector<NamedExtraField> nameFields(Fields<std::string> values) const;
+    [[nodiscard]] std::vector<NamedExtraDate> nameDates(Fields<Date> dates) const;
+
+    std::optional<ExtraFieldsNames> names_;
+};
+
+}  // namespace kestrel
