@@ -6,6 +6,7 @@
 #include <kestrel/coding/json_writer.h>
 #include <kestrel/foundation/enumeration.h>
 #include <kestrel/foundation/hashing.h>
+#include <kestrel/foundation/rgba_color.h>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -30,7 +31,6 @@ struct Codec {
     static void mirror(DebugMirror& mirror, const T& value);
 };
 
-struct RGBAColor;
 extern template struct Codec<RGBAColor>;
 
 /// A type that has a codec: records (they have a record name), and values that say so with `using Coded = void;`.

@@ -1,0 +1,127 @@
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <host/store/schema.h>
+#include <host/store/store.h>
+#include <sqlite3.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <system_error>
+
+namespace kestrel::host {
+namespace {
+
+/// How long to wait for another process that writes, in milliseconds.
+constexpr int busyTimeout = 5000;
+
+/// The file's absolute path: SQLite gives some names, such as ":memory:", a meaning of their own.
+std::string pathForSQLite(const std::filesystem::path& file) {
+    return std::filesystem::absolute(file).native();
+}
+
+int pragma(SQLite::Database& database, const char* name) {
+    return database.execAndGet(fmt::format("PRAGMA {}", name)).getInt();
+}
+
+/// The version of the schema that a database has, 0 for an empty one.
+int checkedVersion(SQLite::Database& database, const std::filesystem::path& file) {
+    const int version = pragma(database, "user_version");
+    const int application = pragma(database, "application_id");
+    const bool isEmpty = database.execAndGet("SELECT count(*) FROM sqlite_schema").getInt() == 0;
+    const bool isOurs = application == schemaApplicationID || (application == 0 && (isEmpty || version > schemaVersion));
+    if (!isOurs || version < 0 || (!isEmpty && version == 0)) {
+        throw Failure(fmt::format("{}: is a database of another program", file.native()));
+    }
+    if (version > schemaVersion) {
+        throw Failure(fmt::format("{}: was written by a newer version of kestrel: its schema is version {}, this one "
+                                  "knows {}",
+                                  file.native(), version, schemaVersion));
+    }
+    return version;
+}
+
+/// A reader needs the files beside a database in WAL mode, and makes them where it may. Where it may not, on a medium
+/// for reading only, a database that nobody is writing is read as it is.
+SQLite::Database openForReading(const std::filesystem::path& file) {
+    const std::string path = pathForSQLite(file);
+    std::error_code problem;
+    if (!std::filesystem::exists(path, problem)) {
+        throw Failure(fmt::format("{}: there is no such database; `kestrel import` makes one", file.native()));
+    }
+    const std::string folder = std::filesystem::path(path).parent_path().native();
+    const bool isFrozen = ::access(folder.c_str(), W_OK) != 0 && !std::filesystem::exists(path + "-wal", problem);
+    if (!isFrozen) return SQLite::Database(path, SQLite::OPEN_READONLY, busyTimeout);
+    std::string uri = "file:";
+    for (const char c : path) {
+        const bool isPlain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '/';
+        uri += isPlain ? std::string(1, c) : fmt::format("%{:02x}", static_cast<unsigned char>(c));
+    }
+    return SQLite::Database(uri + "?immutable=1", SQLite::OPEN_READONLY | SQLite::OPEN_URI, busyTimeout);
+}
+
+/// Makes the file when there is none; whether it did.
+bool makeFile(const std::filesystem::path& file) {
+    const int descriptor = ::open(file.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (descriptor >= 0) {
+        ::close(descriptor);
+        return true;
+    }
+    if (errno == EEXIST) return false;
+    throw Failure(fmt::format("{}: cannot be made: {}", file.native(), std::strerror(errno)));
+}
+
+}  // namespace
+
+ReadingStore::ReadingStore(const std::filesystem::path& file)
+    : database_(openForReading(file)), snapshot_(database_) {
+    if (checkedVersion(database_, file) < schemaVersion) {
+        throw Failure(fmt::format("{}: holds no records yet; `kestrel import` fills it", file.native()));
+    }
+}
+
+WritingStore::WritingStore(const std::filesystem::path& file) : file_(file), isNewFile_(makeFile(file)) {
+    try {
+        database_.emplace(pathForSQLite(file), SQLite::OPEN_READWRITE, busyTimeout);
+        // Before anything is written: the database may be somebody else's.
+        (void)checkedVersion(*database_, file);
+        const std::string mode = database_->execAndGet("PRAGMA journal_mode = WAL").getString();
+        if (mode != "wal") throw Failure(fmt::format("{}: cannot be put into WAL mode", file.native()));
+        database_->exec("PRAGMA foreign_keys = ON");
+        // In kibibytes: a whole import stays in memory.
+        database_->exec("PRAGMA cache_size = -65536");
+        transaction_.emplace(*database_, SQLite::TransactionBehavior::IMMEDIATE);
+        // Again: somebody else may have been faster.
+        const int version = checkedVersion(*database_, file);
+        if (version < schemaVersion) migrateSchema(*database_, version);
+    } catch (...) {
+        close();
+        throw;
+    }
+}
+
+WritingStore::~WritingStore() {
+    close();
+}
+
+void WritingStore::close() noexcept {
+    transaction_.reset();
+    database_.reset();
+    if (!isNewFile_ || isCommitted_) return;
+    for (const char* suffix : {"", "-wal", "-shm"}) {
+        std::error_code ignored;
+        std::filesystem::remove(file_.native() + suffix, ignored);
+    }
+}
+
+void WritingStore::commit() {
+    transaction_->commit();
+    isCommitted_ = true;
+}
+
+Failure databaseFailure(const std::filesystem::path& file, const SQLite::Exception& problem) {
+    if (problem.getErrorCode() == SQLITE_NOTADB) return Failure(fmt::format("{}: is no database", file.native()));
+    return Failure(fmt::format("{}: {}", file.native(), problem.what()));
+}
+
+}  // namespace kestrel::host

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Exception.h>
+#include <SQLiteCpp/Transaction.h>
+#include <host/failure.h>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace kestrel::host {
+
+/// A database that is open for reading. Everything that is read from it is of the same moment, whatever others write
+/// meanwhile.
+class ReadingStore {
+  public:
+    /// A Failure when there is no such file, or none that this version of the schema describes.
+    explicit ReadingStore(const std::filesystem::path& file);
+
+    [[nodiscard]] SQLite::Database& database() noexcept { return database_; }
+
+  private:
+    SQLite::Database database_;
+    SQLite::Transaction snapshot_;
+};
+
+/// A database that is open for one change, made if it does not exist and brought to the current schema. Without
+/// `commit` the file is afterwards as it was before, and there is none if there was none.
+class WritingStore {
+  public:
+    /// A Failure when the file is no database of this system, or one of a newer version.
+    explicit WritingStore(const std::filesystem::path& file);
+    ~WritingStore();
+    WritingStore(const WritingStore&) = delete;
+    WritingStore& operator=(const WritingStore&) = delete;
+
+    [[nodiscard]] SQLite::Database& database() noexcept { return *database_; }
+    void commit();
+
+  private:
+    /// Takes back what is not committed, and the file that was made for it.
+    void close() noexcept;
+
+    std::filesystem::path file_;
+    bool isNewFile_;
+    bool isCommitted_ = false;
+    std::optional<SQLite::Database> database_;
+    std::optional<SQLite::Transaction> transaction_;
+};
+
+/// What went wrong, in one line that names the database.
+[[nodiscard]] Failure databaseFailure(const std::filesystem::path& file, const SQLite::Exception& problem);
+
+/// Does some work with a database; what SQLite reports becomes a Failure that names the file.
+template <class Work>
+auto withDatabase(const std::filesystem::path& file, Work&& work) {
+    try {
+        return work();
+    } catch (const SQLite::Exception& problem) {
+        throw databaseFailure(file, problem);
+    }
+}
+
+}  // namespace kestrel::host

@@ -1,0 +1,73 @@
+#include <gtest/gtest.h>
+#include <kestrel/coding/json.h>
+#include <kestrel/records/company.h>
+
+#include <bit>
+#include <limits>
+#include <random>
+#include <string>
+
+namespace {
+
+using namespace kestrel;
+
+TEST(EncodedDoubles, readBackBitForBit) {
+    std::mt19937_64 engine(7);
+    std::vector<double> values{0.0,    -0.0,          0.001,  -0.001, 0.0005,    1e12,  1e13 + 0.001, 8.9e12,
+                               9.1e12, 123456789.125, 5e-324, 1e308,  0.1 + 0.2, 99.99, 100.0 / 3};
+    for (int i = 0; i < 20'000; ++i) {
+        const double anything = std::bit_cast<double>(engine());
+        if (std::isfinite(anything)) values.push_back(anything);
+        values.push_back(static_cast<double>(static_cast<std::int64_t>(engine()) >> 20) / 1000);
+    }
+    for (const double value : values) {
+        const auto text = encodeJSON(value);
+        ASSERT_TRUE(text);
+        EXPECT_EQ(std::bit_cast<std::uint64_t>(*decodeJSON<double>(*text)), std::bit_cast<std::uint64_t>(value))
+            << *text;
+        EXPECT_TRUE(checkJSON(*text)) << *text;
+    }
+    EXPECT_EQ(encodeJSON(42.0), "42");
+    EXPECT_EQ(encodeJSON(10005534.5), "10005534.5");
+    EXPECT_EQ(encodeJSON(-0.25), "-0.25");
+}
+
+TEST(EncodedTexts, escapeWhatJSONDemands) {
+    std::string every;
+    for (int i = 0; i < 0x80; ++i)
+        every += static_cast<char>(i);
+    every += "\xc3\xa9\xf0\x9f\x98\x80";
+    for (std::size_t shift = 0; shift < 17; ++shift) {
+        const std::string text = std::string(shift, '-') + every;
+        const auto encoded = encodeJSON(text);
+        ASSERT_TRUE(encoded);
+        EXPECT_EQ(decodeJSON<std::string>(*encoded), text);
+    }
+    EXPECT_EQ(encodeJSON(std::string("\"\\\n\x1f/")), R"("\"\\\n\u001f/")");
+}
+
+TEST(AnEncodingThatFails, leavesNothingBehind) {
+    const Company good{.organizationID = 1, .name = "Kan-code"};
+    Company badText = good;
+    badText.extra3 = std::string(1000, 'x') + "\xed\xa0\x80";
+    Company badDate = good;
+    badDate.createDate = Date(std::numeric_limits<double>::infinity());
+
+    std::string out = "[before]";
+    const auto text = encodeJSON(std::vector{good, badText}, out);
+    ASSERT_FALSE(text);
+    EXPECT_EQ(out, "[before]");
+    EXPECT_EQ(text.error().codingPath, (CodingPath{std::size_t{1}, "extra3"}));
+    EXPECT_EQ(text.error().kind, EncodingError::Kind::invalidValue);
+    EXPECT_EQ(text.error().description, "The text is not valid UTF-8 from byte 1000 on.");
+    const auto date = encodeJSON(badDate);
+    ASSERT_FALSE(date);
+    EXPECT_EQ(date.error().codingPath, CodingPath{"createDate"});
+    EXPECT_EQ(std::get<double>(date.error().value), std::numeric_limits<double>::infinity());
+    EXPECT_FALSE(encodeJSON(std::numeric_limits<double>::quiet_NaN()));
+
+    ASSERT_TRUE(encodeJSON(good, out));
+    EXPECT_TRUE(out.starts_with("[before]{\"organizationID\""));
+}
+
+}  // namespace
