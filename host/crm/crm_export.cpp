@@ -6,9 +6,8 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cmath>
 #include <map>
-#include <set>
+#include <span>
 #include <utility>
 
 namespace kestrel::host {
@@ -44,6 +43,7 @@ class RowReader {
               std::vector<CRMExport::Mending>& mendings)
         : file_(file), header_(header), row_(row), mendings_(mendings) {}
 
+    [[nodiscard]] std::size_t line() const { return row_.line; }
     [[noreturn]] void refuse(std::string_view reason) const { throw rowFailure(file_, row_.line, reason); }
 
     /// A text, with a known misspelling mended.
@@ -111,17 +111,28 @@ class RowReader {
     std::vector<CRMExport::Mending>& mendings_;
 };
 
-/// Where each name of a column was first seen; a second time is refused.
+/// The names in a file's first column, which tell its rows apart.
 class UniqueNames {
   public:
-    void add(const RowReader& reader, std::string_view column, const std::string& name, std::size_t line) {
-        const auto [place, isNew] = lines_.try_emplace(name, line);
-        if (!isNew) reader.refuse(fmt::format("{} \"{}\" is already in row {}", column, name, place->second));
+    /// Takes the name of the next row; a name that is there already is refused.
+    void add(const RowReader& row, std::string_view column, const std::string& name) {
+        const auto [place, isNew] = rows_.try_emplace(name, Row{.index = rows_.size(), .line = row.line()});
+        if (!isNew) row.refuse(fmt::format("{} \"{}\" is already in row {}", column, name, place->second.line));
     }
-    [[nodiscard]] bool contains(const std::string& name) const { return lines_.contains(name); }
+    [[nodiscard]] bool contains(const std::string& name) const { return rows_.contains(name); }
+    /// The place of the name among those that were added.
+    [[nodiscard]] std::optional<std::size_t> indexOf(const std::string& name) const {
+        const auto found = rows_.find(name);
+        if (found == rows_.end()) return std::nullopt;
+        return found->second.index;
+    }
 
   private:
-    std::map<std::string, std::size_t> lines_;
+    struct Row {
+        std::size_t index;
+        std::size_t line;
+    };
+    std::map<std::string, Row> rows_;
 };
 
 class ExportReader {
@@ -139,18 +150,18 @@ class ExportReader {
     }
 
   private:
-    /// Calls `take` with a reader for each row of a file, and the row's line.
+    /// Calls `take` with a reader for each row of a file.
     template <class Take>
     void forEachRow(std::string_view name, std::span<const std::string_view> header, Take&& take) {
         const std::filesystem::path file = folder_ / name;
         for (CSVRow& row : readCSV(file, header)) {
             RowReader reader(file, header, row, export_.mendings);
-            take(reader, row.line);
+            take(reader);
         }
     }
 
     void readAccounts() {
-        forEachRow(accountsFile, accountsHeader, [&](RowReader& row, std::size_t line) {
+        forEachRow(accountsFile, accountsHeader, [&](RowReader& row) {
             (void)row.wholeNumber(2);
             (void)row.number(3);
             CRMExport::Account account{.name = row.name(0),
@@ -160,58 +171,56 @@ class ExportReader {
                                        .employees = row.wholeNumber(4).value_or(0),
                                        .officeLocation = row.name(5),
                                        .subsidiaryOf = row.text(6)};
-            accounts_.add(row, accountsHeader[0], account.name, line);
+            accounts_.add(row, accountsHeader[0], account.name);
             export_.accounts.push_back(std::move(account));
         });
     }
 
     void readProducts() {
-        forEachRow(productsFile, productsHeader, [&](RowReader& row, std::size_t /*line*/) {
+        forEachRow(productsFile, productsHeader, [&](RowReader& row) {
             CRMExport::Product product{.name = row.name(0), .series = row.name(1)};
             const auto price = row.number(2);
             if (!price) row.refuse(row.unusable(2, "a number"));
             product.salesPrice = *price;
-            const auto [place, isNew] = products_.try_emplace(product.name, export_.products.size());
-            if (!isNew) row.refuse(fmt::format("{} \"{}\" is there twice", productsHeader[0], product.name));
+            products_.add(row, productsHeader[0], product.name);
             export_.products.push_back(std::move(product));
         });
     }
 
     void readTeams() {
-        addPerson(nullptr, std::string(administratorName));
-        forEachRow(teamsFile, teamsHeader, [&](RowReader& row, std::size_t line) {
+        forEachRow(teamsFile, teamsHeader, [&](RowReader& row) {
             CRMExport::Agent agent{
                 .name = row.name(0), .manager = row.name(1), .regionalOffice = row.name(2)};
-            agents_.add(row, teamsHeader[0], agent.name, line);
-            addPerson(&row, agent.name);
-            addPerson(&row, agent.manager);
+            agents_.add(row, teamsHeader[0], agent.name);
+            addPerson(row, agent.name);
+            addPerson(row, agent.manager);
             export_.agents.push_back(std::move(agent));
         });
     }
 
     /// Notes who signs in by which name: two people cannot have the same.
-    void addPerson(const RowReader* row, const std::string& name) {
-        const auto [place, isNew] = people_.try_emplace(foldedCase(usernameOf(name)), name);
+    void addPerson(const RowReader& row, const std::string& name) {
+        const auto [place, isNew] = people_.try_emplace(usernameOf(name), name);
         if (!isNew && (place->second != name || name == administratorName)) {
-            row->refuse(fmt::format("\"{}\" would sign in as \"{}\", which is \"{}\"", name, place->first,
+            row.refuse(fmt::format("\"{}\" would sign in as \"{}\", which is \"{}\"", name, place->first,
                                     place->second));
         }
     }
 
     void readPipeline() {
         UniqueNames ids;
-        forEachRow(pipelineFile, pipelineHeader, [&](RowReader& row, std::size_t line) {
+        forEachRow(pipelineFile, pipelineHeader, [&](RowReader& row) {
             CRMExport::Deal deal{.id = row.name(0),
                                  .agent = row.text(1),
                                  .account = row.text(3),
                                  .engageDate = row.date(5),
                                  .closeDate = row.date(6),
                                  .closeValue = row.number(7).value_or(0)};
-            ids.add(row, pipelineHeader[0], deal.id, line);
+            ids.add(row, pipelineHeader[0], deal.id);
             if (!agents_.contains(deal.agent)) row.refuse(row.unknown(1, teamsFile));
-            const auto product = products_.find(row.text(2));
-            if (product == products_.end()) row.refuse(row.unknown(2, productsFile));
-            deal.product = product->second;
+            const auto product = products_.indexOf(row.text(2));
+            if (!product) row.refuse(row.unknown(2, productsFile));
+            deal.product = *product;
             if (!deal.account.empty() && !accounts_.contains(deal.account)) row.refuse(row.unknown(3, accountsFile));
             const std::string stageName = row.text(4);
             const auto* stage =
@@ -226,9 +235,9 @@ class ExportReader {
     CRMExport export_;
     UniqueNames accounts_;
     UniqueNames agents_;
-    std::map<std::string, std::size_t> products_;
+    UniqueNames products_;
     /// Full names by the names to sign in with.
-    std::map<std::string, std::string> people_;
+    std::map<std::string, std::string> people_{{usernameOf(administratorName), std::string(administratorName)}};
 };
 
 }  // namespace

@@ -112,7 +112,7 @@ class Columns {
         std::vector<const PipelineStageDefinition*> ordered;
         for (const auto& stage : stages)
             ordered.push_back(&stage);
-        std::ranges::stable_sort(ordered, [](const auto* a, const auto* b) {
+        std::ranges::sort(ordered, [](const auto* a, const auto* b) {
             const bool aDeleted = a->deletionDate.has_value();
             const bool bDeleted = b->deletionDate.has_value();
             if (aDeleted != bDeleted) return bDeleted;
