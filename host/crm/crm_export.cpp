@@ -18,8 +18,8 @@ constexpr std::string_view productsFile = "products.csv";
 constexpr std::string_view teamsFile = "sales_teams.csv";
 constexpr std::string_view pipelineFile = "sales_pipeline.csv";
 
-constexpr std::array<std::string_view, 7> accountsHeader{
-    "account", "sector", "year_established", "revenue", "employees", "office_location", "subsidiary_of"};
+constexpr std::array<std::string_view, 7> accountsHeader{"account",   "sector",          "year_established", "revenue",
+                                                         "employees", "office_location", "subsidiary_of"};
 constexpr std::array<std::string_view, 3> productsHeader{"product", "series", "sales_price"};
 constexpr std::array<std::string_view, 3> teamsHeader{"sales_agent", "manager", "regional_office"};
 constexpr std::array<std::string_view, 8> pipelineHeader{"opportunity_id", "sales_agent", "product",    "account",
@@ -189,8 +189,7 @@ class ExportReader {
 
     void readTeams() {
         forEachRow(teamsFile, teamsHeader, [&](RowReader& row) {
-            CRMExport::Agent agent{
-                .name = row.name(0), .manager = row.name(1), .regionalOffice = row.name(2)};
+            CRMExport::Agent agent{.name = row.name(0), .manager = row.name(1), .regionalOffice = row.name(2)};
             agents_.add(row, teamsHeader[0], agent.name);
             addPerson(row, agent.name);
             addPerson(row, agent.manager);
@@ -202,8 +201,8 @@ class ExportReader {
     void addPerson(const RowReader& row, const std::string& name) {
         const auto [place, isNew] = people_.try_emplace(usernameOf(name), name);
         if (!isNew && (place->second != name || name == administratorName)) {
-            row.refuse(fmt::format("\"{}\" would sign in as \"{}\", which is \"{}\"", name, place->first,
-                                    place->second));
+            row.refuse(
+                fmt::format("\"{}\" would sign in as \"{}\", which is \"{}\"", name, place->first, place->second));
         }
     }
 

@@ -56,8 +56,8 @@ class RecordTable {
         std::vector<Record> records;
         SQLite::Statement statement(*database_, "SELECT id, record FROM " + table() + " ORDER BY id");
         while (statement.executeStep()) {
-            records.push_back(decodeStored<Record>(*database_, statement.getColumn(0).getInt64(),
-                                                   textOf(statement.getColumn(1))));
+            records.push_back(
+                decodeStored<Record>(*database_, statement.getColumn(0).getInt64(), textOf(statement.getColumn(1))));
         }
         return records;
     }

@@ -29,14 +29,16 @@ int checkedVersion(SQLite::Database& database, const std::filesystem::path& file
     const int version = pragma(database, "user_version");
     const int application = pragma(database, "application_id");
     const bool isEmpty = database.execAndGet("SELECT count(*) FROM sqlite_schema").getInt() == 0;
-    const bool isOurs = application == schemaApplicationID || (application == 0 && (isEmpty || version > schemaVersion));
+    const bool isOurs =
+        application == schemaApplicationID || (application == 0 && (isEmpty || version > schemaVersion));
     if (!isOurs || version < 0 || (!isEmpty && version == 0)) {
         throw Failure(fmt::format("{}: is a database of another program", file.native()));
     }
     if (version > schemaVersion) {
-        throw Failure(fmt::format("{}: was written by a newer version of kestrel: its schema is version {}, this one "
-                                  "knows {}",
-                                  file.native(), version, schemaVersion));
+        throw Failure(
+            fmt::format("{}: was written by a newer version of kestrel: its schema is version {}, this one "
+                        "knows {}",
+                        file.native(), version, schemaVersion));
     }
     return version;
 }
@@ -73,8 +75,7 @@ bool makeFile(const std::filesystem::path& file) {
 
 }  // namespace
 
-ReadingStore::ReadingStore(const std::filesystem::path& file)
-    : database_(openForReading(file)), snapshot_(database_) {
+ReadingStore::ReadingStore(const std::filesystem::path& file) : database_(openForReading(file)), snapshot_(database_) {
     if (checkedVersion(database_, file) < schemaVersion) {
         throw Failure(fmt::format("{}: holds no records yet; `kestrel import` fills it", file.native()));
     }

@@ -42,7 +42,7 @@ using StoredRecords =
 template <class Record>
 struct KeyColumn {
     std::string_view name;
-    std::optional<std::int64_t> Record::*member;
+    std::optional<std::int64_t> Record::* member;
 };
 
 /// The key columns of a record type's table; most have none.
@@ -83,8 +83,7 @@ inline constexpr std::array keyColumns<Opportunity>{
     KeyColumn<Opportunity>{"opportunityTypeID", &Opportunity::opportunityTypeID}};
 template <>
 inline constexpr std::array keyColumns<Project>{
-    KeyColumn<Project>{"assignedToID", &Project::assignedToID},
-    KeyColumn<Project>{"categoryID", &Project::categoryID},
+    KeyColumn<Project>{"assignedToID", &Project::assignedToID}, KeyColumn<Project>{"categoryID", &Project::categoryID},
     KeyColumn<Project>{"currentPipelineID", &Project::currentPipelineID},
     KeyColumn<Project>{"currentPipelineStageHistoryID", &Project::currentPipelineStageHistoryID},
     KeyColumn<Project>{"currentPipelineStageID", &Project::currentPipelineStageID}};

@@ -37,27 +37,58 @@ class Descriptor {
 }  // namespace
 
 std::string readFile(const std::filesystem::path& file) {
-    const Descriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
-    if (descriptor.get() < 0) refuse(file.native(), "cannot be opened");
-    return readDescriptor(descriptor.get(), file.native());
+    return LineSource(file.native()).rest();
 }
 
-std::string readDescriptor(int descriptor, std::string_view name) {
-    constexpr std::size_t firstSize = std::size_t{64} * 1024;
-    std::string text;
-    std::size_t length = 0;
-    for (;;) {
-        if (length == text.size()) text.resize(std::max(firstSize, text.size() * 2));
-        const ssize_t count = ::read(descriptor, text.data() + length, text.size() - length);
-        if (count == 0) break;
-        if (count > 0) {
-            length += static_cast<std::size_t>(count);
-        } else if (errno != EINTR) {
-            refuse(name, "cannot be read");
-        }
+LineSource::LineSource(const std::optional<std::string>& file)
+    : name_(file.value_or("standard input")),
+      descriptor_(file ? ::open(file->c_str(), O_RDONLY | O_CLOEXEC) : STDIN_FILENO) {
+    if (descriptor_ < 0) refuse(name_, "cannot be opened");
+}
+
+LineSource::~LineSource() {
+    if (descriptor_ != STDIN_FILENO) ::close(descriptor_);
+}
+
+bool LineSource::readMore() {
+    constexpr std::size_t pieceSize = std::size_t{64} * 1024;
+    // What has been handed out goes only when there is a piece to read, so that each byte moves seldom.
+    buffer_.erase(0, start_);
+    searched_ -= start_;
+    start_ = 0;
+    const std::size_t length = buffer_.size();
+    // A long line is read in ever larger pieces.
+    buffer_.resize(length + std::max(pieceSize, length / 2));
+    ssize_t count = 0;
+    do {
+        count = ::read(descriptor_, buffer_.data() + length, buffer_.size() - length);
+    } while (count < 0 && errno == EINTR);
+    if (count < 0) refuse(name_, "cannot be read");
+    buffer_.resize(length + static_cast<std::size_t>(count));
+    return count > 0;
+}
+
+bool LineSource::hasLine() {
+    const std::size_t found = buffer_.find('\n', searched_);
+    searched_ = std::min(found, buffer_.size());
+    return found != buffer_.npos;
+}
+
+std::optional<std::string_view> LineSource::next() {
+    while (!hasLine()) {
+        if (readMore()) continue;
+        if (start_ == buffer_.size()) return std::nullopt;
+        break;
     }
-    text.resize(length);
-    return text;
+    const auto line = std::string_view(buffer_).substr(start_, searched_ - start_);
+    start_ = searched_ = std::min(searched_ + 1, buffer_.size());
+    return line;
+}
+
+std::string LineSource::rest() {
+    while (readMore()) {
+    }
+    return buffer_.substr(start_);
 }
 
 void writeFileAtomically(const std::filesystem::path& file, std::string_view text) {
@@ -82,7 +113,7 @@ void writeFileAtomically(const std::filesystem::path& file, std::string_view tex
         }
     }
     // A temporary file is for its owner alone; a new file is what the user's mask makes of it.
-    struct stat before {};
+    struct stat before{};
     mode_t mode = 0;
     if (::stat(target.c_str(), &before) == 0) {
         mode = before.st_mode & 07777U;

@@ -65,6 +65,11 @@ Terminal Terminal::ofStandardOutput() {
     return terminal;
 }
 
+void writeJSONLine(std::string_view json, Output& output, const Terminal& terminal) {
+    output.write(terminal.isTerminal ? printableJSON(json) : json);
+    output.write("\n");
+}
+
 void writeErrorLine(std::string_view message) {
     // Where standard error fails there is nobody to tell.
     (void)writeAll(STDERR_FILENO, printable(message) + "\n");

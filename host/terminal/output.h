@@ -37,6 +37,9 @@ struct Terminal {
     [[nodiscard]] static Terminal ofStandardOutput();
 };
 
+/// Writes a JSON document and a line's end: as it is, or on a terminal without power over it.
+void writeJSONLine(std::string_view json, Output& output, const Terminal& terminal);
+
 /// Writes one line to standard error, fit for a terminal; `message` may contain anything.
 void writeErrorLine(std::string_view message);
 

@@ -243,8 +243,7 @@ std::vector<std::string> nearNames(std::string_view wanted, std::span<const std:
         const std::string candidate = foldedCase(name);
         if (candidate.size() > longest) continue;
         // Part of a name is as good as one mistake.
-        const std::size_t mistakes =
-            candidate.contains(folded) ? 1 : typingMistakes(codes, codePoints(candidate));
+        const std::size_t mistakes = candidate.contains(folded) ? 1 : typingMistakes(codes, codePoints(candidate));
         if (mistakes <= tolerance) ranked.emplace_back(mistakes, name);
     }
     std::ranges::stable_sort(ranked, {}, &std::pair<std::size_t, std::string>::first);

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-/// Text as it is shown to people: made safe for a terminal, measured in its cells, and compared as people compare names.
-/// All texts are UTF-8; a byte that is none counts as U+FFFD.
+/// Text as it is shown to people: made safe for a terminal, measured in its cells, and compared as people compare
+/// names. All texts are UTF-8; a byte that is none counts as U+FFFD.
 namespace kestrel::host {
 
 /// The code points of a text.

@@ -455,8 +455,9 @@ bool JSONReader::read(std::int64_t& value) {
     const bool negative = at != end_ && *at == '-';
     if (negative) ++at;
     const char* const digits = at;
+    const char* const limit = end_ - digits > 19 ? digits + 19 : end_;
     std::uint64_t magnitude = 0;
-    while (at != end_ && isDigit(*at) && at - digits < 19) {
+    while (at != limit && isDigit(*at)) {
         magnitude = magnitude * 10 + static_cast<std::uint64_t>(*at - '0');
         ++at;
     }

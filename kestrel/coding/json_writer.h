@@ -73,6 +73,8 @@ class JSONWriter {
     [[gnu::always_inline]] void reserve(std::size_t count) {
         if (static_cast<std::size_t>(limit_ - cursor_) < count) grow(count);
     }
+    /// The text without its quotes; `high` becomes true when it has bytes above 0x7f. Room has been made.
+    void writeEscaped(std::string_view value, bool& high);
     void grow(std::size_t count);
     void close(std::size_t opened, char opening, char closing) {
         reserve(2);

@@ -1,11 +1,7 @@
 #include <kestrel/coding/utf8.h>
 
-#include <bit>
 #include <cstdint>
 #include <cstring>
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
 
 namespace kestrel {
 
@@ -48,39 +44,6 @@ std::size_t validUTF8Prefix(std::string_view text) noexcept {
 
 bool isValidUTF8(std::string_view text) noexcept {
     return validUTF8Prefix(text) == text.size();
-}
-
-const char* plainRunEnd(const char* begin, const char* end, bool& hasHighBytes) noexcept {
-    const char* at = begin;
-#if defined(__SSE2__)
-    const __m128i quote = _mm_set1_epi8('"');
-    const __m128i backslash = _mm_set1_epi8('\\');
-    const __m128i lastControl = _mm_set1_epi8(0x1f);
-    unsigned high = 0;
-    while (end - at >= 16) {
-        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
-        const __m128i special =
-            _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(block, quote), _mm_cmpeq_epi8(block, backslash)),
-                         _mm_cmpeq_epi8(_mm_min_epu8(block, lastControl), block));
-        const auto specials = static_cast<unsigned>(_mm_movemask_epi8(special));
-        const auto highs = static_cast<unsigned>(_mm_movemask_epi8(block));
-        if (specials != 0) {
-            // The bits below the first special byte.
-            high |= highs & (specials - 1U) & ~specials;
-            hasHighBytes |= high != 0;
-            return at + std::countr_zero(specials);
-        }
-        high |= highs;
-        at += 16;
-    }
-    hasHighBytes |= high != 0;
-#endif
-    for (; at != end; ++at) {
-        const auto byte = static_cast<unsigned char>(*at);
-        if (byte == '"' || byte == '\\' || byte < 0x20) break;
-        hasHighBytes |= byte >= 0x80;
-    }
-    return at;
 }
 
 }  // namespace kestrel

@@ -1,0 +1,135 @@
+#include <fmt/format.h>
+#include <host/command/access_command.h>
+#include <host/store/directory.h>
+#include <host/store/find_record.h>
+#include <host/store/store.h>
+#include <host/terminal/json_object.h>
+#include <host/terminal/text.h>
+#include <kestrel/access/permission_checker.h>
+
+#include <array>
+#include <string>
+#include <string_view>
+
+namespace kestrel::host {
+namespace {
+
+/// One of the things that a user may do with a record.
+struct Action {
+    std::string_view name;
+    /// As in "may …".
+    std::string_view verb;
+    AccessDecision decision;
+    /// The teams that may do it.
+    TeamIDs teams;
+};
+
+struct Verdict {
+    std::string record;
+    std::string userName;
+    std::string visibility;
+    std::array<Action, 3> actions;
+};
+
+Verdict verdictOn(const std::string& record, const Permissions& permissions, const User& user,
+                  const PermissionChecker& checker) {
+    const TeamIDs& readers = permissions.readPermissions.teamIDs;
+    const TeamIDs& writers = permissions.writePermissions.teamIDs;
+    return {.record = record,
+            .userName = shownName(user),
+            .visibility = checker.visibility(permissions).localizedDisplayName(),
+            .actions = {{{"read", "read it", checker.decideRead(permissions), readers},
+                         {"update", "change it", checker.decideUpdate(permissions), writers},
+                         {"delete", "delete it", checker.decideDelete(permissions), writers}}}};
+}
+
+std::string joinedByAnd(const std::vector<std::string>& names) {
+    std::string text;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        if (i > 0) text += i + 1 == names.size() ? " and " : ", ";
+        text += names[i];
+    }
+    return text;
+}
+
+/// The rule in plain words.
+std::string reason(const Action& action, const User& user, const Directory& directory) {
+    using enum AccessRule;
+    const std::string name = shownName(user);
+    const std::string teams = joinedByAnd(directory.teamNames(action.teams));
+    switch (action.decision.rule) {
+        case restrictedMayNotDelete:
+            return fmt::format("{} is restricted to delete records, and neither administrator nor super user", name);
+        case permissionSystemDisabled:
+            return "the permission system is switched off";
+        case permissionSystemOverridden:
+            return "the permission system is overridden";
+        case noUser:
+        case noUserMayNotDelete:
+            return "nobody is signed in";
+        case userWithoutTeams:
+            return fmt::format("{} is a member of no team, and who is may {} whatever teams it names", name,
+                               action.verb);
+        case recordUnrestricted:
+            return fmt::format("the record is restricted to no team: everybody may {}", action.verb);
+        case sharedTeam:
+            return fmt::format("{} is a member of {}, and {} may {}", name,
+                               directory.teamName(action.decision.sharedTeamID.value()), teams, action.verb);
+        case noSharedTeam:
+            return fmt::format("only {} may {}, and {} is a member of {}", teams, action.verb, name,
+                               joinedByAnd(directory.teamNames(user.teamIDs)));
+    }
+    throw Failure("the access rule is unknown");
+}
+
+std::string verdictText(const Verdict& verdict, const User& user, const Directory& directory) {
+    constexpr std::size_t labelWidth = 12;
+    constexpr std::size_t answerWidth = 5;
+    const auto row = [&](std::string_view label, const std::string& text) {
+        return padded(label, labelWidth) + printable(text) + "\n";
+    };
+    std::string text =
+        row("record", verdict.record) + row("user", verdict.userName) + row("visibility", verdict.visibility);
+    for (const Action& action : verdict.actions) {
+        text += row(action.name,
+                    padded(action.decision.isAllowed ? "yes" : "no", answerWidth) + reason(action, user, directory));
+    }
+    return text;
+}
+
+std::string verdictJSON(const Verdict& verdict, const User& user, const Directory& directory) {
+    JSONObject json;
+    json.add("record", verdict.record).add("user", verdict.userName).add("visibility", verdict.visibility);
+    for (const Action& action : verdict.actions) {
+        JSONObject decision;
+        decision.add("isAllowed", action.decision.isAllowed).add("rule", caseName(action.decision.rule));
+        decision.add("teams", directory.teamNames(action.teams));
+        if (const auto& shared = action.decision.sharedTeamID) decision.add("sharedTeam", directory.teamName(*shared));
+        decision.add("reason", reason(action, user, directory));
+        json.add(action.name, decision);
+    }
+    return json.json();
+}
+
+}  // namespace
+
+void accessCommand(const AccessOptions& options, Output& output, const Terminal& terminal) {
+    const AnyObjectID id = identifierOf(options.record);
+    withDatabase(options.database, [&] {
+        ReadingStore store(options.database);
+        const Directory directory(store.database());
+        const User& user = directory.user(options.user);
+        visitRecord(store.database(), id, [&]<class Record>(const Record& record) {
+            if constexpr (AuthorizedAccess<Record>) {
+                const Verdict verdict =
+                    verdictOn(id.stringValue(), record.permissions, user, directory.checkerFor(user));
+                if (!options.isJSON) return output.write(verdictText(verdict, user, directory));
+                writeJSONLine(verdictJSON(verdict, user, directory), output, terminal);
+            } else {
+                throw Failure(id.stringValue() + " is under no access control");
+            }
+        });
+    });
+}
+
+}  // namespace kestrel::host

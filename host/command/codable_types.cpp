@@ -1,0 +1,146 @@
+#include <host/command/codable_types.h>
+#include <kestrel/access/permissions.h>
+#include <kestrel/activity/next_activity.h>
+#include <kestrel/boards/board.h>
+#include <kestrel/boards/board_card_pasteboard.h>
+#include <kestrel/boards/board_config.h>
+#include <kestrel/boards/opportunity_state.h>
+#include <kestrel/boards/opportunity_state_reason.h>
+#include <kestrel/coding/json.h>
+#include <kestrel/foundation/data.h>
+#include <kestrel/foundation/rgba_color.h>
+#include <kestrel/identity/activity_source_id.h>
+#include <kestrel/identity/occurrence_ids.h>
+#include <kestrel/lookups/company_types.h>
+#include <kestrel/records/company.h>
+#include <kestrel/records/extra_fields_names.h>
+#include <kestrel/records/extra_v_info.h>
+#include <kestrel/records/group.h>
+
+#include <algorithm>
+#include <cstdint>
+
+namespace kestrel::host {
+
+/// A boolean as an element: a standard vector of plain ones has no references to them.
+struct BoolElement {
+    using Coded = void;
+    bool value{};
+};
+
+}  // namespace kestrel::host
+
+template <>
+struct kestrel::Codec<kestrel::host::BoolElement> {
+    static bool encode(JSONWriter& writer, const host::BoolElement& element) { return writer.write(element.value); }
+    static bool decode(JSONReader& reader, host::BoolElement& element) { return reader.read(element.value); }
+    static host::BoolElement blank() { return {}; }
+};
+
+namespace kestrel::host {
+namespace {
+
+template <class T>
+Recoded recode(std::string_view document, const CodingOptions& options) {
+    const auto value = decodeJSON<T>(document, options);
+    if (!value) {
+        const DecodingError& error = value.error();
+        return std::unexpected(CodingFailure{.kind = std::string(caseName(error.kind)),
+                                             .path = error.codingPath,
+                                             .description = error.description,
+                                             .position = error.position,
+                                             .message = error.message()});
+    }
+    auto json = encodeJSON(*value, options);
+    if (json) return *std::move(json);
+    const EncodingError& error = json.error();
+    return std::unexpected(CodingFailure{.kind = std::string(caseName(error.kind)),
+                                         .path = error.codingPath,
+                                         .description = error.description,
+                                         .message = error.message()});
+}
+
+class TypeTable {
+  public:
+    TypeTable() {
+        add<bool, BoolElement>("Bool");
+        add<Data>("Data");
+        add<Date>("Date");
+        add<double>("Double");
+        add<std::int64_t>("Int");
+        add<std::string>("String");
+        recordTypes.forEach([&]<class Record>(const RecordNames<Record>& names) {
+            add<ObjectID<Record>>("ObjectID<" + std::string(names.recordName) + ">");
+        });
+        const auto firstOther = static_cast<std::ptrdiff_t>(types_.size());
+        addRecords<Category, Company, CompanyType, ExtraFieldsNames, ExtraVInfo, Group, IndustryType, Keyword,
+                   Opportunity, OpportunityStateReason, OpportunityType, Pipeline, PipelineDefinition, PipelineStage,
+                   PipelineStageDefinition, PipelineStageHistory, Project, RegionType, Team, User, VisibilityPreset>();
+        add<ActivitySourceID>("ActivitySourceID");
+        add<AppointmentID>("AppointmentID");
+        add<AppointmentOccurrenceTarget>("AppointmentOccurrenceTarget");
+        add<AvatarInfo>("AvatarInfo");
+        add<BoardCardData>("BoardCardData");
+        add<BoardColumnData>("BoardColumnData");
+        add<BoardColumnHeaderData>("BoardColumnHeaderData");
+        add<BoardConfig>("BoardConfig");
+        add<BoardData>("BoardData");
+        add<BoardUser>("BoardUser");
+        add<EventOccurrence>("EventOccurrence");
+        add<LinkTarget>("LinkTarget");
+        add<NextActivity>("NextActivity");
+        add<NextActivityType>("NextActivityType");
+        add<OccurrenceEditScope>("OccurrenceEditScope");
+        add<OpportunityBoardCardData>("OpportunityBoardCardData");
+        add<OpportunityBoardConfig>("OpportunityBoardConfig");
+        add<OpportunityBoardFilter>("OpportunityBoardFilter");
+        add<OpportunityState>("OpportunityState");
+        add<PermissionSet>("PermissionSet");
+        add<Permissions>("Permissions");
+        add<PipelineBoardCardPasteboardData>("PipelineBoardCardPasteboardData");
+        add<PipelineBoardDateRange>("PipelineBoardDateRange");
+        add<PipelineBoardObjectID>("PipelineBoardObjectID");
+        add<PipelineBoardSortDescriptor>("PipelineBoardSortDescriptor");
+        add<PipelineBoardSortKey>("PipelineBoardSortKey");
+        add<PipelineBoardSortOrder>("PipelineBoardSortOrder");
+        add<ProjectBoardCardData>("ProjectBoardCardData");
+        add<ProjectBoardConfig>("ProjectBoardConfig");
+        add<ProjectBoardFilter>("ProjectBoardFilter");
+        add<RGBAColor>("RGBAColor");
+        add<TaskID>("TaskID");
+        add<TaskOccurrence>("TaskOccurrence");
+        add<TimeblockOccurrence>("TimeblockOccurrence");
+        std::ranges::sort(types_.begin() + firstOther, types_.end(), {}, &CodableType::name);
+    }
+
+    [[nodiscard]] const std::vector<CodableType>& types() const { return types_; }
+
+  private:
+    template <class T, class Element = T>
+    void add(std::string name) {
+        types_.push_back({.name = std::move(name), .value = &recode<T>, .array = &recode<std::vector<Element>>});
+    }
+    template <class... Records>
+    void addRecords() {
+        (add<Records>(std::string(recordNameOf<Records>)), ...);
+    }
+
+    std::vector<CodableType> types_;
+};
+
+}  // namespace
+
+const std::vector<CodableType>& codableTypes() {
+    static const TypeTable table;
+    return table.types();
+}
+
+Recoder recoderOf(std::string_view typeName) {
+    const bool isArray = typeName.starts_with('[') && typeName.ends_with(']');
+    if (isArray) typeName = typeName.substr(1, typeName.size() - 2);
+    const auto found = std::ranges::find(codableTypes(), typeName, &CodableType::name);
+    if (found == codableTypes().end()) return nullptr;
+    return isArray ? found->array : found->value;
+}
+
+}  // namespace kestrel::host

@@ -1,0 +1,306 @@
+#include <fmt/format.h>
+#include <host/board/board_options.h>
+#include <host/command/access_command.h>
+#include <host/command/board_command.h>
+#include <host/command/command_line.h>
+#include <host/command/decode_command.h>
+#include <host/command/import_command.h>
+#include <host/command/show_command.h>
+#include <host/failure.h>
+#include <host/terminal/output.h>
+#include <host/terminal/text.h>
+#include <unistd.h>
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <csignal>
+#include <exception>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace kestrel::host {
+namespace {
+
+constexpr int success = 0;
+constexpr int failed = 1;
+constexpr int wronglyUsed = 2;
+
+constexpr std::string_view mainExamples = R"(
+Start by importing a CRM export into a new database, then look at the board of everybody, or of one person:
+
+  kestrel import data/crm-sales-opportunities --database crm.db
+  kestrel board --database crm.db --user administrator
+  kestrel board --database crm.db --user "Moses Frase" --filter closes=this-month --sort total-value
+
+`kestrel COMMAND --help` explains a command.
+
+Exit codes: 0 done, 1 could not be done, 2 wrong usage.)";
+
+constexpr std::string_view importExamples = R"(
+Reads accounts.csv, products.csv, sales_teams.csv and sales_pipeline.csv. People become users, offices teams, accounts
+companies, products opportunity types, their series categories, and deals opportunities in the pipeline "Sales".
+
+The import is done as a whole or not at all: a broken row is named, with its file, and nothing is changed. Importing
+again updates what has changed; what is no longer in the files stays.
+
+  kestrel import data/crm-sales-opportunities --database crm.db
+  kestrel import data/crm-sales-opportunities --database crm.db --json)";
+
+constexpr std::string_view boardExamples = R"(
+Shows the deals that the user may read, by stage. Filters combine: a deal has to pass all of them.
+
+  kestrel board --database crm.db --user administrator
+  kestrel board --database crm.db --user moses.frase --sort total-value --limit 3
+  kestrel board --database crm.db --user administrator --filter user="Moses Frase" --filter type="GTX Pro"
+  kestrel board --database crm.db --user administrator --at 2017-12-31 --filter closes=this-quarter
+  kestrel board --database crm.db --user administrator --config board.json --filter category=GTX
+  kestrel board --database crm.db --user administrator --config board.json --filter none
+  kestrel board --database crm.db --user administrator --json | jq '.columns[].header'
+
+A board with --config comes back as it was left: what is given here is saved for the next time. Each --filter replaces
+that key of the saved filter; `--filter none` drops all of it.)";
+
+constexpr std::string_view accessExamples = R"(
+Says whether the user may read, update and delete the record, which rule decided, and how its visibility is called.
+
+  kestrel access Opportunity/42 --database crm.db --user moses.frase
+  kestrel access Organization/7 --database crm.db --user administrator --json)";
+
+constexpr std::string_view showExamples = R"(
+Shows every member of the record that is present, and names the absent ones.
+
+  kestrel show Opportunity/42 --database crm.db
+  kestrel show User/1 --database crm.db --json)";
+
+constexpr std::string_view decodeExamples = R"(
+Prints the document's value in keyed form again. A document that has none is refused with its kind of error, the place
+in the value and the place in the text:
+
+  error: typeMismatch at $.columns[2].id: Expected an integer, found a string. (line 1, column 118)
+
+  kestrel decode Opportunity deal.json
+  kestrel show Company/1 --database crm.db --json | kestrel decode Company
+  kestrel decode 'ObjectID<Contact>' --dates iso8601 < id.json
+  kestrel decode '[LinkTarget]' targets.json
+  kestrel decode Permissions --lines < documents.jsonl
+  kestrel decode --list
+
+With --lines every line of input is a document, and every line of output {"value": ...} or {"error": {"kind", "path",
+"description", "offset"}}; the exit code then tells only whether the input could be read.)";
+
+/// The lines of a help text that list what a value can be, as wide as the other lines.
+std::string listedInLines(const std::vector<std::string>& values) {
+    constexpr std::size_t widest = 100;
+    constexpr std::string_view indent = "    ";
+    std::string text;
+    std::string line(indent);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const std::string word = values[i] + (i + 1 < values.size() ? "," : "");
+        if (line.size() + 1 + word.size() > widest) {
+            text += line + '\n';
+            line = indent;
+        }
+        line += (line.size() > indent.size() ? " " : "") + word;
+    }
+    return text + line;
+}
+
+std::string boardFooter() {
+    return fmt::format("Filter keys:\n{}\nDate ranges, for the keys created and closes:\n{}\nSort keys:\n{}\n{}",
+                       listedInLines(filterKeyNames()), listedInLines(rangeNames()), listedInLines(sortKeyNames()),
+                       boardExamples);
+}
+
+/// The command line: fills the options of the command that is asked for.
+class CommandLine {
+  public:
+    CommandLine()
+        : app_("The reference host of KestrelService: keeps the records of a CRM and shows them.", "kestrel") {
+        app_.set_version_flag("--version", "kestrel " KESTREL_VERSION, "Show the version");
+        app_.set_help_flag("-h,--help", "Show this help");
+        app_.footer(std::string(mainExamples));
+        app_.require_subcommand(1);
+        app_.failure_message(CLI::FailureMessage::simple);
+        addImport();
+        addBoard();
+        addAccess();
+        addShow();
+        addDecode();
+    }
+
+    /// Reads the arguments and runs the command. The exit code.
+    int run(int argumentCount, const char* const* arguments, Output& output) {
+        try {
+            app_.parse(argumentCount, arguments);
+        } catch (const CLI::CallForVersion& version) {
+            output.write(std::string(version.what()) + "\n");
+            return success;
+        } catch (const CLI::CallForHelp&) {
+            output.write(app_.help());
+            return success;
+        } catch (const CLI::ParseError& problem) {
+            throw WrongUsage(problem.what() + helpHint());
+        }
+        const Terminal terminal = Terminal::ofStandardOutput();
+        for (const auto& [command, runCommand] : commands_) {
+            if (*command) return runCommand(output, terminal);
+        }
+        throw WrongUsage("a command is required" + helpHint());
+    }
+
+  private:
+    using Run = std::function<int(Output&, const Terminal&)>;
+
+    [[nodiscard]] std::string helpHint() const {
+        const auto given = app_.get_subcommands();
+        return fmt::format("; see `kestrel {}--help`", given.empty() ? "" : given.front()->get_name() + " ");
+    }
+
+    CLI::App* addCommand(const std::string& name, const std::string& description, std::string footer, Run run) {
+        CLI::App* command = app_.add_subcommand(name, description);
+        command->footer(std::move(footer));
+        commands_.emplace_back(command, std::move(run));
+        return command;
+    }
+    static void addDatabase(CLI::App* command, std::string& database) {
+        command->add_option("-d,--database", database, "The database")->required()->type_name("FILE");
+    }
+    static void addUser(CLI::App* command, std::string& user) {
+        command->add_option("-u,--user", user, "Who looks: a name, or a name to sign in with; case does not matter")
+            ->required()
+            ->type_name("NAME");
+    }
+    static void addJSON(CLI::App* command, bool& isJSON) {
+        command->add_flag("--json", isJSON, "Write JSON, for programs");
+    }
+    static void addRecord(CLI::App* command, std::string& record) {
+        command->add_option("RECORD", record, "The record, such as Opportunity/42 or Organization/7")
+            ->required()
+            ->type_name("");
+    }
+
+    void addImport() {
+        CLI::App* command = addCommand("import", "Import a CRM export of CSV files into a database",
+                                       std::string(importExamples), [this](Output& output, const Terminal& terminal) {
+                                           importCommand(import_, output, terminal);
+                                           return success;
+                                       });
+        command->add_option("DIRECTORY", import_.directory, "The folder of the CSV files")->required()->type_name("");
+        command->add_option("-d,--database", import_.database, "The database; made when there is none")
+            ->required()
+            ->type_name("FILE");
+        addJSON(command, import_.isJSON);
+    }
+
+    void addBoard() {
+        CLI::App* command = addCommand("board", "Show the pipeline board of opportunities as a user may see it",
+                                       boardFooter(), [this](Output& output, const Terminal& terminal) {
+                                           boardCommand(board_, output, terminal);
+                                           return success;
+                                       });
+        addDatabase(command, board_.database);
+        addUser(command, board_.user);
+        command->add_option("-f,--filter", board_.filters, "Show only what passes; may be given several times")
+            ->allow_extra_args(false)
+            ->type_name("KEY=VALUE");
+        command->add_option("-s,--sort", board_.sort, "The order of the cards; without an order that of the key")
+            ->type_name("KEY[:forward|reverse]");
+        command->add_option("--at", board_.at, "Look at this moment instead of now: a date, or a date and time")
+            ->type_name("DATE");
+        command->add_option("-n,--limit", board_.limit, "Cards to show of each column, 0 for all (10; with --json all)")
+            ->type_name("N");
+        command->add_option("-c,--config", board_.config, "Read filter and order from the file, and leave them there")
+            ->type_name("FILE");
+        addJSON(command, board_.isJSON);
+    }
+
+    void addAccess() {
+        CLI::App* command = addCommand("access", "Say what a user may do with a record, and why",
+                                       std::string(accessExamples), [this](Output& output, const Terminal& terminal) {
+                                           accessCommand(access_, output, terminal);
+                                           return success;
+                                       });
+        addRecord(command, access_.record);
+        addDatabase(command, access_.database);
+        addUser(command, access_.user);
+        addJSON(command, access_.isJSON);
+    }
+
+    void addShow() {
+        CLI::App* command = addCommand("show", "Show a record in full", std::string(showExamples),
+                                       [this](Output& output, const Terminal& terminal) {
+                                           showCommand(show_, output, terminal);
+                                           return success;
+                                       });
+        addRecord(command, show_.record);
+        addDatabase(command, show_.database);
+        addJSON(command, show_.isJSON);
+    }
+
+    void addDecode() {
+        static const std::map<std::string, DateStrategy> strategies{
+            {"deferred", DateStrategy::deferred},
+            {"seconds", DateStrategy::secondsSince1970},
+            {"milliseconds", DateStrategy::millisecondsSince1970},
+            {"iso8601", DateStrategy::iso8601}};
+        CLI::App* command = addCommand("decode", "Read JSON documents of a type, or say what is wrong with them",
+                                       std::string(decodeExamples), [this](Output& output, const Terminal& terminal) {
+                                           if (decode_.typeName.empty() && !decode_.listsTypes) {
+                                               throw WrongUsage("TYPE is required" + helpHint());
+                                           }
+                                           return decodeCommand(decode_, output, terminal);
+                                       });
+        command->add_option("TYPE", decode_.typeName, "The type's name, or [TYPE] for an array")->type_name("");
+        command->add_option("FILE", decode_.file, "The document; standard input when not given")->type_name("");
+        command->add_option("--dates", dates_, "How dates are written: deferred, seconds, milliseconds or iso8601")
+            ->type_name("STRATEGY")
+            ->check(CLI::IsMember(strategies))
+            ->each([this](const std::string& name) { decode_.coding.dateStrategy = strategies.at(name); });
+        command->add_flag("--lines", decode_.isByLine, "Take every line as a document");
+        command->add_flag("--list", decode_.listsTypes, "List the types");
+        addJSON(command, isDecodedJSON_);
+    }
+
+    CLI::App app_;
+    std::vector<std::pair<CLI::App*, Run>> commands_;
+    ImportOptions import_;
+    BoardOptions board_;
+    AccessOptions access_;
+    ShowOptions show_;
+    DecodeOptions decode_;
+    std::string dates_;
+    /// Accepted like everywhere: what the command writes is JSON anyhow.
+    bool isDecodedJSON_ = false;
+};
+
+int fail(const std::exception& problem, int exitCode) noexcept {
+    try {
+        writeErrorLine(std::string("kestrel: ") + problem.what());
+    } catch (const std::exception&) {
+        // No memory for the message: the exit code has to say it.
+    }
+    return exitCode;
+}
+
+}  // namespace
+
+int runCommandLine(int argumentCount, const char* const* arguments) noexcept {
+    // A pipe that nobody reads any more is met where it is written to.
+    std::signal(SIGPIPE, SIG_IGN);
+    try {
+        Output output(STDOUT_FILENO);
+        const int exitCode = CommandLine().run(argumentCount, arguments, output);
+        output.flush();
+        return exitCode;
+    } catch (const OutputClosed&) {
+        return success;
+    } catch (const WrongUsage& problem) {
+        return fail(problem, wronglyUsed);
+    } catch (const std::exception& problem) {
+        return fail(problem, failed);
+    }
+}
+
+}  // namespace kestrel::host
