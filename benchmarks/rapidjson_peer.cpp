@@ -86,23 +86,17 @@ Opportunity fill(const Value& from) {
     Opportunity to{.opportunityID = readKey(from["opportunityID"], "Opportunity")};
     for (const auto& [key, value] : from.GetObject()) {
         switch (lookUp({key.GetString(), key.GetStringLength()})) {
-#define READ(name)            \
-    case name:                \
-        read(value, to.name); \
-        break;
+#define READ(name) \
+    case name: read(value, to.name); break;
             OPPORTUNITY_PLAIN_FIELDS(READ)
 #undef READ
-            case opportunityID:
-                break;
+            case opportunityID: break;
             case permissions:
                 read(value["readPermissions"], to.permissions.readPermissions);
                 read(value["writePermissions"], to.permissions.writePermissions);
                 break;
-            case category:
-                to.category = readCategory(value);
-                break;
-            default:
-                std::abort();
+            case category: to.category = readCategory(value); break;
+            default: std::abort();
         }
     }
     return to;

@@ -101,10 +101,8 @@ Opportunity fill(element from) {
         }
         if (member == memberCount) member = lookUp(key);
         switch (member) {
-#define READ(name)            \
-    case name:                \
-        read(value, to.name); \
-        break;
+#define READ(name) \
+    case name: read(value, to.name); break;
             OPPORTUNITY_PLAIN_FIELDS(READ)
 #undef READ
             case opportunityID: {
@@ -120,14 +118,9 @@ Opportunity fill(element from) {
                 to = std::move(identified);
                 break;
             }
-            case permissions:
-                read(value, to.permissions);
-                break;
-            case category:
-                to.category = readCategory(value);
-                break;
-            default:
-                std::abort();
+            case permissions: read(value, to.permissions); break;
+            case category: to.category = readCategory(value); break;
+            default: std::abort();
         }
         expected = member == opportunityID ? 0 : member + 1;
     }

@@ -1,21 +1,16 @@
 #include <host/command/codable_types.h>
+#include <host/store/stored_records.h>
 #include <kestrel/access/permissions.h>
 #include <kestrel/activity/next_activity.h>
 #include <kestrel/boards/board.h>
 #include <kestrel/boards/board_card_pasteboard.h>
 #include <kestrel/boards/board_config.h>
 #include <kestrel/boards/opportunity_state.h>
-#include <kestrel/boards/opportunity_state_reason.h>
 #include <kestrel/coding/json.h>
 #include <kestrel/foundation/data.h>
 #include <kestrel/foundation/rgba_color.h>
 #include <kestrel/identity/activity_source_id.h>
 #include <kestrel/identity/occurrence_ids.h>
-#include <kestrel/lookups/company_types.h>
-#include <kestrel/records/company.h>
-#include <kestrel/records/extra_fields_names.h>
-#include <kestrel/records/extra_v_info.h>
-#include <kestrel/records/group.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -73,9 +68,7 @@ class TypeTable {
             add<ObjectID<Record>>("ObjectID<" + std::string(names.recordName) + ">");
         });
         const auto firstOther = static_cast<std::ptrdiff_t>(types_.size());
-        addRecords<Category, Company, CompanyType, ExtraFieldsNames, ExtraVInfo, Group, IndustryType, Keyword,
-                   Opportunity, OpportunityStateReason, OpportunityType, Pipeline, PipelineDefinition, PipelineStage,
-                   PipelineStageDefinition, PipelineStageHistory, Project, RegionType, Team, User, VisibilityPreset>();
+        StoredRecords::forEach([&]<class Record>() { add<Record>(std::string(recordNameOf<Record>)); });
         add<ActivitySourceID>("ActivitySourceID");
         add<AppointmentID>("AppointmentID");
         add<AppointmentOccurrenceTarget>("AppointmentOccurrenceTarget");
@@ -120,11 +113,6 @@ class TypeTable {
     void add(std::string name) {
         types_.push_back({.name = std::move(name), .value = &recode<T>, .array = &recode<std::vector<Element>>});
     }
-    template <class... Records>
-    void addRecords() {
-        (add<Records>(std::string(recordNameOf<Records>)), ...);
-    }
-
     std::vector<CodableType> types_;
 };
 

@@ -57,12 +57,8 @@ SortValue sortValue(const BoardCandidate& candidate, Key key) {
     };
     switch (key) {
         case Key::forecasted:
-        case Key::due:
-            setDate(card.dueDate());
-            break;
-        case Key::created:
-            setDate(candidate.createDate);
-            break;
+        case Key::due: setDate(card.dueDate()); break;
+        case Key::created: setDate(candidate.createDate); break;
         case Key::name:
             value.isPresent = true;
             value.name = card.title();

@@ -101,12 +101,9 @@ DateCondition::DateCondition(std::optional<PipelineBoardDateRange> range, const 
 
 bool DateCondition::accepts(const std::optional<Date>& date) const noexcept {
     switch (kind_) {
-        case Kind::anything:
-            return true;
-        case Kind::absence:
-            return !date;
-        case Kind::range:
-            return date && range_.contains(*date);
+        case Kind::anything: return true;
+        case Kind::absence: return !date;
+        case Kind::range: return date && range_.contains(*date);
     }
     return false;
 }

@@ -63,10 +63,8 @@ struct PipelineBoardSortDescriptor {
             case Key::priority:
             case Key::totalValue:
             case Key::probability:
-            case Key::daysInStage:
-                return SortOrder::reverse;
-            default:
-                return SortOrder::forward;
+            case Key::daysInStage: return SortOrder::reverse;
+            default: return SortOrder::forward;
         }
     }
 

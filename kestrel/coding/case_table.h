@@ -35,9 +35,6 @@ concept HasCaseTable = requires { CaseTable<C>::rows; };
 
 namespace coding_detail {
 
-/// Where the value of each key of an object stands; defined with the field tables.
-bool findMembers(JSONReader& reader, const std::string_view* keys, std::size_t count, JSONReader::Place* places);
-
 template <HasCaseTable C>
 inline constexpr auto caseNames = [] {
     std::array<std::string_view, CaseTable<C>::rows.size()> names{};

@@ -64,8 +64,7 @@ struct BlankMaker {
     operator T() const { return blankValue<T>(); }
 };
 
-// -------------------------------------------------------------------------------------------------------------
-// declarations
+// ---- declarations
 
 template <class T>
 bool encodeValue(JSONWriter& writer, const T& value);
@@ -101,8 +100,7 @@ void mirrorValue(DebugMirror& mirror, const std::vector<T>& values);
 template <CodedSet C>
 void mirrorValue(DebugMirror& mirror, const C& values);
 
-// -----------------------------------------------------------------------------------------------------------------
-// encoding
+// ---- encoding
 
 namespace coding_detail {
 
@@ -123,7 +121,12 @@ bool encodeEnumeration(JSONWriter& writer, E value) {
     }
 }
 
-/// Reads the key of a keyed enumeration, the last one when a case is named twice. Defined in case_coding.cpp.
+/// Where the value of each key of an object stands; of a key given twice the last one, and no place for a key that is
+/// not there. The reader is left behind the object.
+bool findMembers(JSONReader& reader, const std::string_view* keys, std::size_t count, JSONReader::Place* places);
+
+/// Reads an object that has one key of those names, and whatever other keys. Gives the name's index and the place of
+/// its value, the last one when it is given twice; the reader is left behind the object.
 bool decodeCaseName(JSONReader& reader, const std::string_view* names, std::size_t count, std::size_t& found,
                     JSONReader::Place& payload);
 
@@ -222,8 +225,7 @@ bool encodeValue(JSONWriter& writer, const std::optional<T>& value) {
     return true;
 }
 
-// -----------------------------------------------------------------------------------------------------------------
-// decoding
+// ---- decoding
 
 template <class T>
 bool decodeValue(JSONReader& reader, T& value) {
@@ -255,12 +257,9 @@ bool decodeValue(JSONReader& reader, std::vector<T>& values) {
             return false;
         }
         switch (reader.nextElement()) {
-            case JSONReader::Next::another:
-                break;
-            case JSONReader::Next::end:
-                return true;
-            case JSONReader::Next::broken:
-                return false;
+            case JSONReader::Next::another: break;
+            case JSONReader::Next::end: return true;
+            case JSONReader::Next::broken: return false;
         }
     }
 }
@@ -286,14 +285,11 @@ bool decodeValue(JSONReader& reader, std::optional<T>& value) {
     }
 }
 
-// ------------------------------------------------------------------------------------------------------- hashing,
-// mirroring
+// ---- hashing, mirroring
 
 template <class T>
 void hashValue(Hasher& hasher, const T& value) {
-    if constexpr (std::is_enum_v<T>) {
-        hasher.combine(static_cast<std::uint64_t>(value));
-    } else if constexpr (Coded<T>) {
+    if constexpr (Coded<T>) {
         Codec<T>::hash(hasher, value);
     } else if constexpr (std::is_same_v<T, double>) {
         // The two zeros are equal, so they hash alike.
@@ -302,7 +298,7 @@ void hashValue(Hasher& hasher, const T& value) {
         hashValue(hasher, value.sinceReferenceDate());
     } else if constexpr (std::is_same_v<T, Data>) {
         hasher.combine(value.text());
-    } else if constexpr (std::is_integral_v<T>) {
+    } else if constexpr (std::is_integral_v<T> || std::is_enum_v<T>) {
         hasher.combine(static_cast<std::uint64_t>(value));
     } else {
         hasher.combine(std::string_view(value));

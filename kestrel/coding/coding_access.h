@@ -15,6 +15,7 @@ class CodingAccess {
         return member.value_;
     }
     template <class T>
+    // NOLINTNEXTLINE(bugprone-return-const-ref-from-parameter): members outlive the call.
     [[nodiscard]] static constexpr T& member(T& member) noexcept {
         return member;
     }

@@ -34,8 +34,7 @@
         [[gnu::always_inline]] static bool visitFrom(unsigned start, Value& value, Visitor&& visit) {         \
             switch (start) {                                                                                  \
                 KESTREL_FOR_EACH(KESTREL_FIELD_VISIT, Type, __VA_ARGS__)                                      \
-                default:                                                                                      \
-                    return false;                                                                             \
+                default: return false;                                                                        \
             }                                                                                                 \
         }                                                                                                     \
         template <class Value, class FirstMember>                                                          \
@@ -236,14 +235,9 @@ bool decodeFields(JSONReader& reader, T& value) {
                                           return true;
                                       }
                                       switch (reader.nextMember()) {
-                                          case JSONReader::Next::another:
-                                              return false;
-                                          case JSONReader::Next::end:
-                                              outcome = Outcome::atEnd;
-                                              return true;
-                                          case JSONReader::Next::broken:
-                                              outcome = Outcome::failed;
-                                              return true;
+                                          case JSONReader::Next::another: return false;
+                                          case JSONReader::Next::end: outcome = Outcome::atEnd; return true;
+                                          case JSONReader::Next::broken: outcome = Outcome::failed; return true;
                                       }
                                       return true;
                                   };
@@ -267,10 +261,6 @@ bool decodeFields(JSONReader& reader, T& value) {
     }
     return seen.containsAll(requiredMembers<T>);
 }
-
-/// Where the value of each key of an object stands; of a key given twice the last one. The reader is left behind the
-/// object. Only for documents that have been checked.
-bool findMembers(JSONReader& reader, const std::string_view* keys, std::size_t count, JSONReader::Place* places);
 
 /// The careful pass over an object: the members in the order of the table, with the first error.
 template <class T>

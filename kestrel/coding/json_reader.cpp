@@ -139,43 +139,28 @@ constexpr double powersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
 std::string_view nameOf(JSONReader::Expected expected) {
     using enum JSONReader::Expected;
     switch (expected) {
-        case boolean:
-            return "a boolean";
-        case integer:
-            return "an integer";
-        case number:
-            return "a number";
-        case string:
-            return "a string";
-        case date:
-            return "a date";
-        case data:
-            return "data in base64";
-        case object:
-            return "an object";
-        case array:
-            return "an array";
-        case rawValue:
-            return "a raw value";
+        case boolean: return "a boolean";
+        case integer: return "an integer";
+        case number: return "a number";
+        case string: return "a string";
+        case date: return "a date";
+        case data: return "data in base64";
+        case object: return "an object";
+        case array: return "an array";
+        case rawValue: return "a raw value";
     }
     return "a value";
 }
 
 std::string_view kindName(char first) {
     switch (first) {
-        case '{':
-            return "an object";
-        case '[':
-            return "an array";
-        case '"':
-            return "a string";
+        case '{': return "an object";
+        case '[': return "an array";
+        case '"': return "a string";
         case 't':
-        case 'f':
-            return "a boolean";
-        case 'n':
-            return "null";
-        default:
-            return "a number";
+        case 'f': return "a boolean";
+        case 'n': return "null";
+        default: return "a number";
     }
 }
 
@@ -300,8 +285,7 @@ bool JSONReader::expectObject() {
     return beginObject() || refuse(Expected::object);
 }
 
-// ----------------------------------------------------------------------------------------------------------------
-// strings
+// ---- strings
 
 bool JSONReader::read(std::string& value) {
     if (peek() != '"') return refuse(Expected::string);
@@ -352,26 +336,16 @@ bool JSONReader::readEscape(const char*& at, std::string* text) {
         return true;
     };
     switch (start[1]) {
-        case '"':
-            return plain('"');
-        case '\\':
-            return plain('\\');
-        case '/':
-            return plain('/');
-        case 'b':
-            return plain('\b');
-        case 'f':
-            return plain('\f');
-        case 'n':
-            return plain('\n');
-        case 'r':
-            return plain('\r');
-        case 't':
-            return plain('\t');
-        case 'u':
-            break;
-        default:
-            return malformed("an unknown escape in a string", start);
+        case '"': return plain('"');
+        case '\\': return plain('\\');
+        case '/': return plain('/');
+        case 'b': return plain('\b');
+        case 'f': return plain('\f');
+        case 'n': return plain('\n');
+        case 'r': return plain('\r');
+        case 't': return plain('\t');
+        case 'u': break;
+        default: return malformed("an unknown escape in a string", start);
     }
     const std::int32_t unit = hexQuad(start + 2, end_);
     if (unit < 0) return malformed("an escape without four hexadecimal digits", start);
@@ -419,8 +393,7 @@ bool JSONReader::read(Data& value) {
     return refuse(Expected::data);
 }
 
-// ----------------------------------------------------------------------------------------------------------------
-// numbers
+// ---- numbers
 
 bool JSONReader::scanNumber() {
     const char* at = cursor_;
@@ -560,21 +533,14 @@ bool JSONReader::read(Date& value) {
     double number = 0;
     if (!read(number)) return false;
     switch (options_.dateStrategy) {
-        case DateStrategy::secondsSince1970:
-            value = Date::since1970(number);
-            break;
-        case DateStrategy::millisecondsSince1970:
-            value = Date::since1970(number / 1000);
-            break;
-        default:
-            value = Date(number);
-            break;
+        case DateStrategy::secondsSince1970: value = Date::since1970(number); break;
+        case DateStrategy::millisecondsSince1970: value = Date::since1970(number / 1000); break;
+        default: value = Date(number); break;
     }
     return true;
 }
 
-// --------------------------------------------------------------------------------------------------------- other
-// values
+// ---- other values
 
 bool JSONReader::read(bool& value) {
     if (matchText("true")) {
@@ -639,11 +605,8 @@ bool JSONReader::skipValue() {
             const bool object = isInObject();
             skipSpace();
             switch (next(object ? '}' : ']')) {
-                case Next::another:
-                    complete = false;
-                    break;
-                case Next::end:
-                    break;
+                case Next::another: complete = false; break;
+                case Next::end: break;
                 case Next::broken:
                     return malformed(
                         object ? "expected a comma or a closing brace" : "expected a comma or a closing bracket",

@@ -138,24 +138,12 @@ void JSONWriter::writeEscaped(std::string_view value, bool& high) {
         *cursor_++ = '\\';
         switch (c) {
             case '"':
-            case '\\':
-                *cursor_++ = c;
-                break;
-            case '\b':
-                *cursor_++ = 'b';
-                break;
-            case '\f':
-                *cursor_++ = 'f';
-                break;
-            case '\n':
-                *cursor_++ = 'n';
-                break;
-            case '\r':
-                *cursor_++ = 'r';
-                break;
-            case '\t':
-                *cursor_++ = 't';
-                break;
+            case '\\': *cursor_++ = c; break;
+            case '\b': *cursor_++ = 'b'; break;
+            case '\f': *cursor_++ = 'f'; break;
+            case '\n': *cursor_++ = 'n'; break;
+            case '\r': *cursor_++ = 'r'; break;
+            case '\t': *cursor_++ = 't'; break;
             default: {
                 static constexpr char digits[] = "0123456789abcdef";
                 std::memcpy(cursor_, "u00", 3);
@@ -214,14 +202,10 @@ bool JSONWriter::write(bool value) {
 
 bool JSONWriter::write(Date value) {
     switch (options_.dateStrategy) {
-        case DateStrategy::deferred:
-            return write(value.sinceReferenceDate());
-        case DateStrategy::secondsSince1970:
-            return write(value.since1970());
-        case DateStrategy::millisecondsSince1970:
-            return write(value.since1970() * 1000);
-        case DateStrategy::iso8601:
-            break;
+        case DateStrategy::deferred: return write(value.sinceReferenceDate());
+        case DateStrategy::secondsSince1970: return write(value.since1970());
+        case DateStrategy::millisecondsSince1970: return write(value.since1970() * 1000);
+        case DateStrategy::iso8601: break;
     }
     const auto text = value.iso8601();
     if (!text) {

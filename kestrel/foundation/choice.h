@@ -48,7 +48,7 @@ class Choice {
     }
     template <class Payload>
     [[nodiscard]] std::optional<Payload> payload() const {
-        if (const Payload* found = payloadIf<Payload>()) return *found;
+        if (const auto* found = payloadIf<Payload>()) return *found;
         return std::nullopt;
     }
 

@@ -24,15 +24,9 @@ class Mutations {
                 "0123456789-+.eEtrufalsn/u";
             const char byte = bytes[engine_() % bytes.size()];
             switch (engine_() % 3) {
-                case 0:
-                    text[at] = byte;
-                    break;
-                case 1:
-                    text.insert(at, 1, byte);
-                    break;
-                default:
-                    text.erase(at, 1);
-                    break;
+                case 0: text[at] = byte; break;
+                case 1: text.insert(at, 1, byte); break;
+                default: text.erase(at, 1); break;
             }
         }
         return text;
@@ -63,21 +57,11 @@ class Mutations {
                     made += text() + space() + ":" + value(depth - 1) + (i > 1 ? "," : "");
                 made += "}";
                 break;
-            case 2:
-                made += std::to_string(static_cast<int>(engine_() % 20000) - 10000);
-                break;
-            case 3:
-                made += std::to_string(engine_() % 100) + ".5e" + std::to_string(engine_() % 30);
-                break;
-            case 4:
-                made += text();
-                break;
-            case 5:
-                made += engine_() % 2 != 0 ? "true" : "false";
-                break;
-            default:
-                made += "null";
-                break;
+            case 2: made += std::to_string(static_cast<int>(engine_() % 20000) - 10000); break;
+            case 3: made += std::to_string(engine_() % 100) + ".5e" + std::to_string(engine_() % 30); break;
+            case 4: made += text(); break;
+            case 5: made += engine_() % 2 != 0 ? "true" : "false"; break;
+            default: made += "null"; break;
         }
         return made + space();
     }

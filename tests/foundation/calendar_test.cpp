@@ -27,8 +27,7 @@ TEST(Dates, convertWithoutLoss) {
     std::mt19937_64 engine(5);
     for (int i = 0; i < 20'000; ++i) {
         // Within some 130 years of the reference date a double tells microseconds apart.
-        const std::int64_t count =
-            static_cast<std::int64_t>(engine() % 8'000'000'000'000'000U) - 3'000'000'000'000'000;
+        const std::int64_t count = static_cast<std::int64_t>(engine() % 8'000'000'000'000'000U) - 3'000'000'000'000'000;
         const std::chrono::sys_time<std::chrono::microseconds> time{std::chrono::microseconds(count)};
         EXPECT_EQ(Date::from(time).time(), time);
         if (const auto text = Date::from(time).iso8601()) {

@@ -11,7 +11,8 @@ TEST(ExtraFields, areNamedInTheOrderOfTheirNumbers) {
                     .extra12 = "twelve",
                     .extra2 = "two",
                     .extra5 = "",
-                    .extraDate1 = Date(1), .extraDate3 = Date(3)};
+                    .extraDate1 = Date(1),
+                    .extraDate3 = Date(3)};
     using Fields = std::vector<NamedExtraField>;
     using Dates = std::vector<NamedExtraDate>;
     EXPECT_EQ(ExtraFieldsNamer::empty().namedFields(company),
