@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
 #include <kestrel/coding/json.h>
 
+#include <pthread.h>
+
 #include <bit>
 #include <cmath>
 #include <limits>
 #include <string>
+#include <thread>
 
 namespace {
 
@@ -131,6 +134,47 @@ TEST(Nesting, isRefusedBeyondTheLimit) {
     };
     EXPECT_EQ(verdict<RGBAColor>(within(511)), "value");
     EXPECT_EQ(verdict<RGBAColor>(within(512)), "dataCorrupted");
+}
+
+/// Runs `work` on a thread with that much stack; a program that needs more does not come back.
+void runWithStack(std::size_t bytes, void (*work)()) {
+    pthread_attr_t attributes;
+    ASSERT_EQ(pthread_attr_init(&attributes), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, bytes), 0);
+    pthread_t thread{};
+    const auto run = [](void* argument) -> void* {
+        reinterpret_cast<void (*)()>(argument)();
+        return nullptr;
+    };
+    ASSERT_EQ(pthread_create(&thread, &attributes, run, reinterpret_cast<void*>(work)), 0);
+    ASSERT_EQ(pthread_join(thread, nullptr), 0);
+    pthread_attr_destroy(&attributes);
+}
+
+TEST(Nesting, needsNoStackOfItsOwn) {
+    runWithStack(256 * 1024, [] {
+        const std::string deep(20'000'000, '[');
+        EXPECT_FALSE(checkJSON(deep));
+        EXPECT_FALSE(decodeJSON<std::vector<RGBAColor>>(deep));
+        EXPECT_FALSE(decodeJSON<RGBAColor>("{\"x\":" + deep));
+        std::string objects = "{\"red\":{}";
+        for (int i = 0; i < 1'000'000; ++i)
+            objects += R"(,"x":{"red")";
+        EXPECT_FALSE(decodeJSON<RGBAColor>(objects));
+    });
+}
+
+TEST(Coding, isSafeOnManyThreads) {
+    std::vector<std::jthread> threads;
+    for (int t = 0; t < 4; ++t) {
+        threads.emplace_back([t] {
+            for (int i = 0; i < 500; ++i) {
+                const RGBAColor color{.red = t + 0.5, .green = static_cast<double>(i)};
+                EXPECT_EQ(decodeJSON<RGBAColor>(*encodeJSON(color)), color);
+                EXPECT_FALSE(decodeJSON<RGBAColor>("{\"red\":[]}"));
+            }
+        });
+    }
 }
 
 TEST(Errors, sayWhereAndWhy) {

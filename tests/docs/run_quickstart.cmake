@@ -1,0 +1,17 @@
+# Compiles and runs the program that README.md shows, against the build: what a reader copies has to work as it stands.
+file(READ ${SOURCE}/README.md readme)
+if(NOT readme MATCHES "```cpp\n(.*)\n```\n\nThe installation")
+  message(FATAL_ERROR "README.md shows no program in front of \"The installation\".")
+endif()
+file(WRITE ${WORK}/quickstart.cpp "${CMAKE_MATCH_1}\n")
+get_filename_component(folder ${LIBRARY} DIRECTORY)
+separate_arguments(flags UNIX_COMMAND "${FLAGS}")
+execute_process(COMMAND ${COMPILER} -std=c++23 -Wall -Wextra -Werror ${flags} -I${SOURCE} ${WORK}/quickstart.cpp ${LIBRARY}
+    -Wl,-rpath,${folder} -o ${WORK}/quickstart RESULT_VARIABLE result ERROR_VARIABLE messages)
+if(NOT result EQUAL 0)
+  message(FATAL_ERROR "The quickstart does not compile:\n${messages}")
+endif()
+execute_process(COMMAND ${WORK}/quickstart RESULT_VARIABLE result OUTPUT_VARIABLE output)
+if(NOT result EQUAL 0 OR NOT output STREQUAL "Opportunity/42: GTX Pro for Isdom, readable 1, deletable 1\n")
+  message(FATAL_ERROR "The quickstart ends with ${result} and prints: ${output}")
+endif()
