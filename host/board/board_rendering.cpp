@@ -175,7 +175,7 @@ std::vector<Line> columnLines(const BoardColumnData& column, const BoardPicture&
     for (std::size_t i = 0; i < width; ++i)
         rule += "─";
     std::vector<Line> lines{{{columnTitle(header), std::string(bold)}, {"  " + grouped(header.count)}},
-                            {{amount(header.total.value_or(0))}},
+                            {{"total " + amount(header.total.value_or(0)), std::string(dim)}},
                             {{std::move(rule), std::string(dim)}}};
     const std::vector<CardText> cards = cardTexts(column, picture);
     for (const CardText& card : cards) {

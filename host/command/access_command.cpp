@@ -43,8 +43,10 @@ Verdict verdictOn(const std::string& record, const Permissions& permissions, con
                          {"delete", "delete it", checker.decideDelete(permissions), writers}}}};
 }
 
-std::string joinedByAnd(const std::vector<std::string>& names) {
-    std::string text;
+/// "the team Central", "the teams Central and Moses Frase".
+std::string teamsCalled(const Directory& directory, const TeamIDs& teams) {
+    const std::vector<std::string> names = directory.teamNames(teams);
+    std::string text = names.size() == 1 ? "the team " : "the teams ";
     for (std::size_t i = 0; i < names.size(); ++i) {
         if (i > 0) text += i + 1 == names.size() ? " and " : ", ";
         text += names[i];
@@ -56,28 +58,22 @@ std::string joinedByAnd(const std::vector<std::string>& names) {
 std::string reason(const Action& action, const User& user, const Directory& directory) {
     using enum AccessRule;
     const std::string name = shownName(user);
-    const std::string teams = joinedByAnd(directory.teamNames(action.teams));
     switch (action.decision.rule) {
+        case noUser:
+        case noUserMayNotDelete: return "nobody is signed in";
         case restrictedMayNotDelete:
             return fmt::format("{} is restricted to delete records, and neither administrator nor super user", name);
-        case permissionSystemDisabled:
-            return "the permission system is switched off";
-        case permissionSystemOverridden:
-            return "the permission system is overridden";
-        case noUser:
-        case noUserMayNotDelete:
-            return "nobody is signed in";
+        case permissionSystemDisabled: return "the permission system is switched off";
+        case permissionSystemOverridden: return "the permission system is overridden";
         case userWithoutTeams:
-            return fmt::format("{} is a member of no team, and who is may {} whatever teams it names", name,
-                               action.verb);
-        case recordUnrestricted:
-            return fmt::format("the record is restricted to no team: everybody may {}", action.verb);
+            return fmt::format("{} is in no team, and such users may {} whatever teams it names", name, action.verb);
+        case recordUnrestricted: return fmt::format("no team is named that may {}, so everybody may", action.verb);
         case sharedTeam:
-            return fmt::format("{} is a member of {}, and {} may {}", name,
-                               directory.teamName(action.decision.sharedTeamID.value()), teams, action.verb);
+            return fmt::format("{} may {}, and {} is in {}", teamsCalled(directory, action.teams), action.verb, name,
+                               directory.teamName(action.decision.sharedTeamID.value()));
         case noSharedTeam:
-            return fmt::format("only {} may {}, and {} is a member of {}", teams, action.verb, name,
-                               joinedByAnd(directory.teamNames(user.teamIDs)));
+            return fmt::format("only {} may {}, and {} is in {}", teamsCalled(directory, action.teams), action.verb,
+                               name, teamsCalled(directory, user.teamIDs));
     }
     throw Failure("the access rule is unknown");
 }

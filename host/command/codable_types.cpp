@@ -43,7 +43,7 @@ Recoded recode(std::string_view document, const CodingOptions& options) {
         return std::unexpected(CodingFailure{.kind = std::string(caseName(error.kind)),
                                              .path = error.codingPath,
                                              .description = error.description,
-                                             .position = error.position,
+                                             .offset = error.position.offset,
                                              .message = error.message()});
     }
     auto json = encodeJSON(*value, options);

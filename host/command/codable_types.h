@@ -2,8 +2,8 @@
 
 #include <kestrel/coding/coding_error.h>
 #include <kestrel/coding/coding_options.h>
+#include <cstddef>
 #include <expected>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,8 +16,8 @@ struct CodingFailure {
     std::string kind{};
     CodingPath path{};
     std::string description{};
-    /// Where the trouble starts in the document; absent when writing failed.
-    std::optional<TextPosition> position{};
+    /// Where the trouble starts in the document, in bytes; 0 when it was read and cannot be written.
+    std::size_t offset{};
     /// All of that in one line.
     std::string message{};
 };

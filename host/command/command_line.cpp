@@ -12,8 +12,9 @@
 #include <unistd.h>
 #include <CLI/CLI.hpp>
 
-#include <algorithm>
+#include <charconv>
 #include <csignal>
+#include <cstdint>
 #include <exception>
 #include <functional>
 #include <map>
@@ -27,8 +28,8 @@ constexpr int success = 0;
 constexpr int failed = 1;
 constexpr int wronglyUsed = 2;
 
-constexpr std::string_view mainExamples = R"(
-Start by importing a CRM export into a new database, then look at the board of everybody, or of one person:
+constexpr std::string_view mainExamples =
+    R"(Start by importing a CRM export into a new database, then look at the board of everybody, or of one person:
 
   kestrel import data/crm-sales-opportunities --database crm.db
   kestrel board --database crm.db --user administrator
@@ -38,8 +39,8 @@ Start by importing a CRM export into a new database, then look at the board of e
 
 Exit codes: 0 done, 1 could not be done, 2 wrong usage.)";
 
-constexpr std::string_view importExamples = R"(
-Reads accounts.csv, products.csv, sales_teams.csv and sales_pipeline.csv. People become users, offices teams, accounts
+constexpr std::string_view importExamples =
+    R"(Reads accounts.csv, products.csv, sales_teams.csv and sales_pipeline.csv. People become users, offices teams, accounts
 companies, products opportunity types, their series categories, and deals opportunities in the pipeline "Sales".
 
 The import is done as a whole or not at all: a broken row is named, with its file, and nothing is changed. Importing
@@ -48,8 +49,8 @@ again updates what has changed; what is no longer in the files stays.
   kestrel import data/crm-sales-opportunities --database crm.db
   kestrel import data/crm-sales-opportunities --database crm.db --json)";
 
-constexpr std::string_view boardExamples = R"(
-Shows the deals that the user may read, by stage. Filters combine: a deal has to pass all of them.
+constexpr std::string_view boardExamples =
+    R"(Shows the deals that the user may read, by stage. Filters combine: a deal has to pass all of them.
 
   kestrel board --database crm.db --user administrator
   kestrel board --database crm.db --user moses.frase --sort total-value --limit 3
@@ -62,26 +63,26 @@ Shows the deals that the user may read, by stage. Filters combine: a deal has to
 A board with --config comes back as it was left: what is given here is saved for the next time. Each --filter replaces
 that key of the saved filter; `--filter none` drops all of it.)";
 
-constexpr std::string_view accessExamples = R"(
-Says whether the user may read, update and delete the record, which rule decided, and how its visibility is called.
+constexpr std::string_view accessExamples =
+    R"(Says whether the user may read, update and delete the record, which rule decided, and how its visibility is called.
 
   kestrel access Opportunity/42 --database crm.db --user moses.frase
   kestrel access Organization/7 --database crm.db --user administrator --json)";
 
-constexpr std::string_view showExamples = R"(
-Shows every member of the record that is present, and names the absent ones.
+constexpr std::string_view showExamples =
+    R"(Shows every member of the record that is present, and names the absent ones.
 
   kestrel show Opportunity/42 --database crm.db
   kestrel show User/1 --database crm.db --json)";
 
-constexpr std::string_view decodeExamples = R"(
-Prints the document's value in keyed form again. A document that has none is refused with its kind of error, the place
+constexpr std::string_view decodeExamples =
+    R"(Prints the document's value in keyed form again. A document that has none is refused with its kind of error, the place
 in the value and the place in the text:
 
   error: typeMismatch at $.columns[2].id: Expected an integer, found a string. (line 1, column 118)
 
   kestrel decode Opportunity deal.json
-  kestrel show Company/1 --database crm.db --json | kestrel decode Company
+  kestrel show Organization/1 --database crm.db --json | kestrel decode Company
   kestrel decode 'ObjectID<Contact>' --dates iso8601 < id.json
   kestrel decode '[LinkTarget]' targets.json
   kestrel decode Permissions --lines < documents.jsonl
@@ -108,9 +109,18 @@ std::string listedInLines(const std::vector<std::string>& values) {
 }
 
 std::string boardFooter() {
-    return fmt::format("Filter keys:\n{}\nDate ranges, for the keys created and closes:\n{}\nSort keys:\n{}\n{}",
+    return fmt::format("Filter keys:\n{}\nDate ranges, for the keys created and closes:\n{}\nSort keys:\n{}\n\n{}",
                        listedInLines(filterKeyNames()), listedInLines(rangeNames()), listedInLines(sortKeyNames()),
                        boardExamples);
+}
+
+/// What is wrong with a number of cards; empty when nothing is.
+std::string cardCountProblem(const std::string& text) {
+    std::uint32_t count = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, problem] = std::from_chars(text.data(), end, count);
+    if (problem == std::errc() && stop == end) return {};
+    return fmt::format("\"{}\" is no number of cards", text);
 }
 
 /// The command line: fills the options of the command that is asked for.
@@ -121,7 +131,7 @@ class CommandLine {
         app_.set_version_flag("--version", "kestrel " KESTREL_VERSION, "Show the version");
         app_.set_help_flag("-h,--help", "Show this help");
         app_.footer(std::string(mainExamples));
-        app_.require_subcommand(1);
+        app_.require_subcommand(0, 1);
         app_.failure_message(CLI::FailureMessage::simple);
         addImport();
         addBoard();
@@ -147,7 +157,7 @@ class CommandLine {
         for (const auto& [command, runCommand] : commands_) {
             if (*command) return runCommand(output, terminal);
         }
-        throw WrongUsage("a command is required" + helpHint());
+        throw WrongUsage("a command is required: import, board, access, show or decode" + helpHint());
     }
 
   private:
@@ -210,6 +220,7 @@ class CommandLine {
         command->add_option("--at", board_.at, "Look at this moment instead of now: a date, or a date and time")
             ->type_name("DATE");
         command->add_option("-n,--limit", board_.limit, "Cards to show of each column, 0 for all (10; with --json all)")
+            ->check(cardCountProblem)
             ->type_name("N");
         command->add_option("-c,--config", board_.config, "Read filter and order from the file, and leave them there")
             ->type_name("FILE");
@@ -254,7 +265,7 @@ class CommandLine {
                                        });
         command->add_option("TYPE", decode_.typeName, "The type's name, or [TYPE] for an array")->type_name("");
         command->add_option("FILE", decode_.file, "The document; standard input when not given")->type_name("");
-        command->add_option("--dates", dates_, "How dates are written: deferred, seconds, milliseconds or iso8601")
+        command->add_option("--dates", dates_, "How dates are written; deferred when not given: seconds since 2001")
             ->type_name("STRATEGY")
             ->check(CLI::IsMember(strategies))
             ->each([this](const std::string& name) { decode_.coding.dateStrategy = strategies.at(name); });

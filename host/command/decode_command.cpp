@@ -32,7 +32,7 @@ std::string verdictJSON(const Recoded& recoded) {
     error.add("kind", failure.kind);
     error.addJSON("path", pathJSON(failure.path));
     error.add("description", failure.description);
-    if (failure.position) error.add("offset", failure.position->offset);
+    error.add("offset", failure.offset);
     return JSONObject().add("error", error).json();
 }
 

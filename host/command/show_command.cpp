@@ -26,7 +26,7 @@ void showCommand(const ShowOptions& options, Output& output, const Terminal& ter
     withDatabase(options.database, [&] {
         ReadingStore store(options.database);
         visitRecord(store.database(), id, [&](const auto& record) {
-            if (!options.isJSON) return output.write(printableLines(id.stringValue() + debugMirror(record)));
+            if (!options.isJSON) return output.write(printableLines(debugMirror(record)));
             const auto json = encodeJSON(record);
             if (!json) throw Failure(json.error().message());
             writeJSONLine(*json, output, terminal);

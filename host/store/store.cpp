@@ -51,6 +51,8 @@ SQLite::Database openForReading(const std::filesystem::path& file) {
     if (!std::filesystem::exists(path, problem)) {
         throw Failure(fmt::format("{}: there is no such database; `kestrel import` makes one", file.native()));
     }
+    if (std::filesystem::is_directory(path, problem))
+        throw Failure(fmt::format("{}: is a folder, no database", file.native()));
     const std::string folder = std::filesystem::path(path).parent_path().native();
     const bool isFrozen = ::access(folder.c_str(), W_OK) != 0 && !std::filesystem::exists(path + "-wal", problem);
     if (!isFrozen) return SQLite::Database(path, SQLite::OPEN_READONLY, busyTimeout);
@@ -77,7 +79,8 @@ bool makeFile(const std::filesystem::path& file) {
 
 ReadingStore::ReadingStore(const std::filesystem::path& file) : database_(openForReading(file)), snapshot_(database_) {
     if (checkedVersion(database_, file) < schemaVersion) {
-        throw Failure(fmt::format("{}: holds no records yet; `kestrel import` fills it", file.native()));
+        throw Failure(
+            fmt::format("{}: is not of the current schema; `kestrel import` brings it up to date", file.native()));
     }
 }
 

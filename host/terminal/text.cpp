@@ -135,15 +135,9 @@ std::string printable(std::string_view text) {
     shown.reserve(text.size());
     forEachCodePoint(text, [&](char32_t code, std::string_view bytes) {
         switch (code) {
-            case U'\n':
-                shown += "\\n";
-                break;
-            case U'\r':
-                shown += "\\r";
-                break;
-            case U'\t':
-                shown += "\\t";
-                break;
+            case U'\n': shown += "\\n"; break;
+            case U'\r': shown += "\\r"; break;
+            case U'\t': shown += "\\t"; break;
             default:
                 if (isControl(code)) {
                     shown += fmt::format("\\u{{{:x}}}", static_cast<std::uint32_t>(code));
@@ -238,18 +232,19 @@ std::vector<std::string> nearNames(std::string_view wanted, std::span<const std:
     if (folded.empty() || folded.size() > longest) return {};
     const std::vector<char32_t> codes = codePoints(folded);
     const std::size_t tolerance = std::max<std::size_t>(2, codes.size() / 3);
-    std::vector<std::pair<std::size_t, std::string>> ranked;
-    for (const std::string& name : names) {
-        const std::string candidate = foldedCase(name);
+    // The mistakes, and the place of the name.
+    std::vector<std::pair<std::size_t, std::size_t>> ranked;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        const std::string candidate = foldedCase(names[i]);
         if (candidate.size() > longest) continue;
         // Part of a name is as good as one mistake.
         const std::size_t mistakes = candidate.contains(folded) ? 1 : typingMistakes(codes, codePoints(candidate));
-        if (mistakes <= tolerance) ranked.emplace_back(mistakes, name);
+        if (mistakes <= tolerance) ranked.emplace_back(mistakes, i);
     }
-    std::ranges::stable_sort(ranked, {}, &std::pair<std::size_t, std::string>::first);
+    std::ranges::sort(ranked);
     std::vector<std::string> near;
-    for (auto& [mistakes, name] : ranked) {
-        if (near.size() < most && std::ranges::find(near, name) == near.end()) near.push_back(std::move(name));
+    for (const auto& [mistakes, place] : ranked) {
+        if (near.size() < most && std::ranges::find(near, names[place]) == near.end()) near.push_back(names[place]);
     }
     return near;
 }
