@@ -16,10 +16,11 @@ namespace {
 using SortKey = PipelineBoardSortKey;
 using SortOrder = PipelineBoardSortOrder;
 
+/// By the name as people type it, "total-value", or as it is stored, "totalValue".
 template <Enumeration E>
 std::optional<E> fromKebabName(std::string_view name) {
     for (const E value : allCases<E>) {
-        if (inKebabCase(caseName(value)) == name) return value;
+        if (inKebabCase(caseName(value)) == name || caseName(value) == name) return value;
     }
     return std::nullopt;
 }
