@@ -123,7 +123,7 @@ TEST_F(Board, ofTheAdministratorHasEveryDeal) {
 TEST_F(Board, ofAnAgentHasTheDealsOfTheRegion) {
     const BoardData board = boardJSON(
         database, "Moses Frase",
-        {"--filter", "closes=this-quarter", "--filter", "type=gtx pro", "--sort", "total-value", "--at", "2017-08-15"});
+        {"--filter", "closes=this-quarter", "--filter", "type=gtx pro", "--sort", "totalValue", "--at", "2017-08-15"});
     const auto condition = [](const PlainDeal& deal) {
         return deal.office == "Central" && deal.product == "GTX Pro" && deal.closeDate >= "2017-07-01" &&
                deal.closeDate < "2017-10-01";
@@ -303,7 +303,7 @@ TEST_F(Board, refusesWhatThereIsNot) {
          {"--filter", "closes=soon"},
          2,
          R"(there is no date range "soon"; there is: today, this-week)"},
-        {"administrator", {"--filter", "closes=thisWeek"}, 2, "there is no date range"},
+        {"administrator", {"--filter", "closes=this week"}, 2, "there is no date range"},
         {"administrator", {"--sort", "size"}, 2, R"(there is no sort key "size"; there is: forecasted, due, created)"},
         {"administrator", {"--sort", "name:up"}, 2, R"(there is no sort order "up"; there is: forward, reverse)"},
         {"administrator", {"--at", "2017-02-30"}, 2, R"("2017-02-30" is no moment)"},
