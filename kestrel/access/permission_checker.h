@@ -69,7 +69,8 @@ struct PermissionChecker {
 };
 
 /// How a record's visibility is presented.
-class PermissionChecker::Visibility : public Choice<Team, VisibilityPreset, NoPayload<2>, NoPayload<3>, NoPayload<4>> {
+class PermissionChecker::Visibility
+    : public Choice<PermissionChecker::Visibility, Team, VisibilityPreset, NoPayload<2>, NoPayload<3>, NoPayload<4>> {
   public:
     /// Private to one ordinary team, beside the private teams of users.
     [[nodiscard]] static Visibility privateForTeam(Team team) { return Visibility(std::move(team)); }

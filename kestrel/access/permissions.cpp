@@ -27,8 +27,8 @@ std::optional<ObjectID<Team>> firstSharedTeam(const TeamIDs& a, const TeamIDs& b
     return std::nullopt;
 }
 
-bool PermissionSet::isAuthorizedForAny(const TeamIDs& teams) const noexcept {
-    return isEmpty() || firstSharedTeam(teamIDs, teams).has_value();
+bool PermissionSet::isAuthorized(const TeamIDs& anyOf) const noexcept {
+    return isEmpty() || firstSharedTeam(teamIDs, anyOf).has_value();
 }
 
 std::expected<PermissionSet, PermissionSetError> PermissionSet::parsePipeSet(std::string_view text) {

@@ -30,6 +30,8 @@ struct PermissionSet {
     explicit PermissionSet(TeamIDs teams) : teamIDs(std::move(teams)) {}
     explicit PermissionSet(std::span<const ObjectID<Team>> teams) : teamIDs(teams.begin(), teams.end()) {}
 
+    /// No teams: no restriction.
+    [[nodiscard]] static PermissionSet empty() { return {}; }
     /// Reads the data store's text form, `|3|17|`; an empty text and `|` are the empty set.
     [[nodiscard]] static std::expected<PermissionSet, PermissionSetError> parsePipeSet(std::string_view text);
     /// The text form, with the keys ascending. Absent when a team is not saved, since it has no key.
@@ -44,8 +46,8 @@ struct PermissionSet {
     [[nodiscard]] bool isAuthorized(const ObjectID<Team>& teamID) const {
         return isEmpty() || teamIDs.contains(teamID);
     }
-    /// Whether the set is empty or shares a team with `teams`. Linear in both.
-    [[nodiscard]] bool isAuthorizedForAny(const TeamIDs& teams) const noexcept;
+    /// Whether the set is empty or shares a team with `anyOf`. Linear in both.
+    [[nodiscard]] bool isAuthorized(const TeamIDs& anyOf) const noexcept;
 
     friend bool operator==(const PermissionSet&, const PermissionSet&) = default;
 };
@@ -64,15 +66,18 @@ struct Permissions {
     /// The named visibility that the record was given, if any.
     std::optional<VisibilityPreset> visibilityPreset{};
 
+    /// Unrestricted, without a preset.
+    [[nodiscard]] static Permissions empty() { return {}; }
+
     [[nodiscard]] bool isReadableByTeam(const ObjectID<Team>& team) const { return readPermissions.isAuthorized(team); }
     [[nodiscard]] bool isWritableByTeam(const ObjectID<Team>& team) const {
         return writePermissions.isAuthorized(team);
     }
     [[nodiscard]] bool isReadableByAnyTeamIn(const TeamIDs& teams) const noexcept {
-        return readPermissions.isAuthorizedForAny(teams);
+        return readPermissions.isAuthorized(teams);
     }
     [[nodiscard]] bool isWritableByAnyTeamIn(const TeamIDs& teams) const noexcept {
-        return writePermissions.isAuthorizedForAny(teams);
+        return writePermissions.isAuthorized(teams);
     }
     void giveReadAccess(const ObjectID<Team>& team) { readPermissions.add(team); }
     void removeReadAccess(const ObjectID<Team>& team) { readPermissions.remove(team); }

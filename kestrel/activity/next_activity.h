@@ -11,7 +11,7 @@ namespace kestrel {
 
 /// Which activity is next: a task or an appointment. In keyed form one key, "task" or "appointment", holding the
 /// identifier under "_0".
-class NextActivityType : public Choice<ObjectID<Task>, ObjectID<Timeblock>> {
+class NextActivityType : public Choice<NextActivityType, ObjectID<Task>, ObjectID<Timeblock>> {
   public:
     using Coded = void;
 

@@ -28,14 +28,14 @@ std::strong_ordering compareNames(std::string_view a, std::string_view b) noexce
     for (std::size_t i = 0; i < common; ++i) {
         if (const auto order = folded(a[i]) <=> folded(b[i]); order != 0) return order;
     }
-    if (a.size() != b.size()) return a.size() <=> b.size();
-    return a <=> b;
+    return a.size() <=> b.size();
 }
 
 /// What a card is sorted by: a number or a name, gathered once so that comparing reads nothing else.
 struct SortValue {
     bool isPresent = false;
     double number = 0;
+    std::int64_t integer = 0;
     std::string_view name{};
     /// An opportunity before a project of the same identifier; boards do not mix them.
     bool isProject = false;
@@ -52,6 +52,10 @@ SortValue sortValue(const BoardCandidate& candidate, Key key) {
         value.isPresent = true;
         value.number = number;
     };
+    const auto setInteger = [&](std::int64_t integer) {
+        value.isPresent = true;
+        value.integer = integer;
+    };
     const auto setDate = [&](const std::optional<Date>& date) {
         if (date) set(date->sinceReferenceDate());
     };
@@ -64,13 +68,13 @@ SortValue sortValue(const BoardCandidate& candidate, Key key) {
             value.name = card.title();
             break;
         case Key::priority:
-            if (card.priority()) set(static_cast<double>(*card.priority()));
+            if (card.priority()) setInteger(*card.priority());
             break;
         case Key::totalValue:
             if (opportunity != nullptr) set(opportunity->value);
             break;
         case Key::probability:
-            if (opportunity != nullptr) set(static_cast<double>(opportunity->probability));
+            if (opportunity != nullptr) setInteger(opportunity->probability);
             break;
         case Key::nextActivity:
             if (card.nextActivities() && !card.nextActivities()->empty()) setDate(card.nextActivityDate());
@@ -89,6 +93,7 @@ bool standsBefore(const SortValue& a, const SortValue& b, SortOrder order) noexc
     if (a.isPresent != b.isPresent) return a.isPresent;
     if (a.isPresent) {
         if (a.number != b.number) return (a.number < b.number) == (order == SortOrder::forward);
+        if (a.integer != b.integer) return (a.integer < b.integer) == (order == SortOrder::forward);
         if (const auto names = compareNames(a.name, b.name); names != 0)
             return (names < 0) == (order == SortOrder::forward);
     }
@@ -97,8 +102,9 @@ bool standsBefore(const SortValue& a, const SortValue& b, SortOrder order) noexc
 }
 
 struct Column {
-    BoardColumnData data;
-    std::vector<std::size_t> candidates;
+    ObjectID<PipelineStageDefinition> stage;
+    BoardColumnData data{};
+    std::vector<std::size_t> candidates{};
 };
 
 /// The columns of a board, found by stage.
@@ -116,18 +122,24 @@ class Columns {
         });
         for (const auto* stage : ordered)
             add(stage->objectID(), stage->name.value_or(""), !stage->deletionDate);
+        known_ = columns_.size();
     }
     Column& of(const ObjectID<PipelineStageDefinition>& stage) {
         const auto found = places_.find(stage);
         return columns_[found != places_.end() ? found->second : add(stage, "", false)];
     }
-    std::vector<Column> take() { return std::move(columns_); }
+    std::vector<Column> take() {
+        // Stages that only cards name stand in the order of their identifiers, whichever card came first.
+        std::sort(columns_.begin() + static_cast<std::ptrdiff_t>(known_), columns_.end(),
+                  [](const Column& a, const Column& b) { return a.stage < b.stage; });
+        return std::move(columns_);
+    }
 
   private:
     std::size_t add(const ObjectID<PipelineStageDefinition>& stage, std::string title, bool active) {
         const auto [place, isNew] = places_.try_emplace(stage, columns_.size());
         if (!isNew) return place->second;
-        Column column;
+        Column column{.stage = stage};
         column.data.id = stage.value().value_or(0);
         column.data.header = {.id = column.data.id, .title = std::move(title), .active = active};
         columns_.push_back(std::move(column));
@@ -135,6 +147,7 @@ class Columns {
     }
 
     std::vector<Column> columns_;
+    std::size_t known_ = 0;
     boost::unordered_flat_map<ObjectID<PipelineStageDefinition>, std::size_t,
                               std::hash<ObjectID<PipelineStageDefinition>>>
         places_;

@@ -138,7 +138,7 @@ extern template struct Codec<ProjectBoardCardData>;
     const std::optional<bool>& nextAppointmentIsAllDay, const CalendarMoment& at);
 
 /// A card on a board, of either kind, with what all cards have. References into it live as long as the card.
-class BoardCardData : public Choice<OpportunityBoardCardData, ProjectBoardCardData> {
+class BoardCardData : public Choice<BoardCardData, OpportunityBoardCardData, ProjectBoardCardData> {
   public:
     using Coded = void;
 

@@ -32,7 +32,7 @@ extern template struct Codec<ProjectBoardConfig>;
 
 /// A board's saved state. In keyed form one key, "opportunity" or "project", holding the filter under "_0", left out
 /// when absent, and the sort descriptor under "_1".
-class BoardConfig : public Choice<OpportunityBoardConfig, ProjectBoardConfig> {
+class BoardConfig : public Choice<BoardConfig, OpportunityBoardConfig, ProjectBoardConfig> {
   public:
     using Coded = void;
 

@@ -65,7 +65,7 @@ struct ProjectBoardFilter {
 extern template struct Codec<ProjectBoardFilter>;
 
 /// What a filter asks of a record that the record does not carry itself: the template of the pipeline that it is in,
-/// absent when it is in none, and its keywords.
+/// absent when it is in none, and its keywords, which the caller keeps alive while a matcher looks at them.
 struct BoardRecordLinks {
     std::optional<ObjectID<PipelineDefinition>> pipelineDefinitionID{};
     std::span<const ObjectID<Keyword>> keywordIDs{};

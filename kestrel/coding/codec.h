@@ -7,7 +7,9 @@
 #include <kestrel/foundation/enumeration.h>
 #include <kestrel/foundation/hashing.h>
 #include <kestrel/foundation/rgba_color.h>
+#include <array>
 #include <bit>
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -35,7 +37,10 @@ extern template struct Codec<RGBAColor>;
 
 /// A type that has a codec: records (they have a record name), and values that say so with `using Coded = void;`.
 template <class T>
-concept Coded = requires { typename T::Coded; } || requires { T::recordName; };
+concept Coded = requires { typename T::Coded; } || requires {
+    typename std::bool_constant<std::string_view(T::recordName).empty()>;
+    typename std::bool_constant<std::string_view(T::entityName).empty()>;
+};
 
 /// A container with unique, ordered members, such as a set of identifiers.
 template <class C>
@@ -333,6 +338,15 @@ void mirrorValue(DebugMirror& mirror, const T& value) {
         Codec<T>::mirror(mirror, value);
     } else {
         mirror.show(value);
+    }
+}
+
+template <class T>
+void mirrorValue(DebugMirror& mirror, const std::optional<T>& value) {
+    if (value) {
+        mirrorValue(mirror, *value);
+    } else {
+        mirror.word("absent");
     }
 }
 

@@ -23,12 +23,12 @@ class CodingAccess {
     [[nodiscard]] static constexpr const T& member(const ReadOnly<T, Owner>& member) noexcept {
         return member.get();
     }
-    template <class... Payloads>
-    [[nodiscard]] static std::variant<Payloads...>& variant(Choice<Payloads...>& choice) noexcept {
+    template <class Derived, class... Payloads>
+    [[nodiscard]] static std::variant<Payloads...>& variant(Choice<Derived, Payloads...>& choice) noexcept {
         return choice.value_;
     }
-    template <class... Payloads>
-    [[nodiscard]] static const std::variant<Payloads...>& variant(const Choice<Payloads...>& choice) noexcept {
+    template <class Derived, class... Payloads>
+    [[nodiscard]] static const std::variant<Payloads...>& variant(const Choice<Derived, Payloads...>& choice) noexcept {
         return choice.value_;
     }
     /// A choice of the type `C` that holds the given variant.

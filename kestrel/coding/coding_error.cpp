@@ -14,20 +14,36 @@ bool isPlainName(std::string_view key) {
            std::ranges::all_of(key, [&](char c) { return letter(c) || digit(c); });
 }
 
-/// A key is the document's own text: quoted and with control characters written out, it cannot break the line.
-std::string quoted(std::string_view key) {
-    std::string text = "\"";
-    for (const char c : key) {
-        if (c == '"' || c == '\\') {
-            text += '\\';
-            text += c;
-        } else if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) {
-            text += fmt::format("\\u{:04x}", static_cast<unsigned char>(c));
+/// A text with its control characters written out, so that it can neither break a line nor command a terminal.
+std::string inOneLine(std::string_view text) {
+    std::string line;
+    for (const char c : text) {
+        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) {
+            line += fmt::format("\\u{:04x}", static_cast<unsigned char>(c));
         } else {
-            text += c;
+            line += c;
         }
     }
-    return text + '"';
+    return line;
+}
+
+std::string quoted(std::string_view key) {
+    std::string text;
+    for (const char c : key) {
+        if (c == '"' || c == '\\') text += '\\';
+        text += c;
+    }
+    return '"' + inOneLine(text) + '"';
+}
+
+/// A description may quote the document: what is too long for a line is cut, between characters.
+std::string shownDescription(std::string_view description) {
+    constexpr std::size_t longest = 400;
+    if (description.size() <= longest) return inOneLine(description);
+    std::size_t end = longest;
+    while (end > 0 && (static_cast<unsigned char>(description[end]) & 0xc0U) == 0x80U)
+        --end;
+    return inOneLine(description.substr(0, end)) + "…";
 }
 
 }  // namespace
@@ -48,12 +64,12 @@ std::string CodingPath::text() const {
 }
 
 std::string DecodingError::message() const {
-    return fmt::format("{} at {}: {} (line {}, column {})", caseName(kind), codingPath.text(), description,
-                       position.line, position.column);
+    return fmt::format("{} at {}: {} (line {}, column {})", caseName(kind), codingPath.text(),
+                       shownDescription(description), position.line, position.column);
 }
 
 std::string EncodingError::message() const {
-    return fmt::format("{} at {}: {}", caseName(kind), codingPath.text(), description);
+    return fmt::format("{} at {}: {}", caseName(kind), codingPath.text(), shownDescription(description));
 }
 
 }  // namespace kestrel

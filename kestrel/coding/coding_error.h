@@ -60,7 +60,8 @@ struct DecodingError {
     /// Where the trouble starts in the document.
     TextPosition position{};
 
-    /// "KIND at PATH: DESCRIPTION (line L, column C)", in one line.
+    /// "KIND at PATH: DESCRIPTION (line L, column C)", in one line: control characters are written out, and a very long
+    /// description is cut.
     [[nodiscard]] std::string message() const;
     friend bool operator==(const DecodingError&, const DecodingError&) = default;
 };

@@ -2,7 +2,8 @@
 
 namespace kestrel {
 
-/// How dates are written and read.
+/// How dates are written and read. Only the deferred form keeps every bit of a date; the forms since 1970 round to what
+/// a double holds there, some tenths of a microsecond, and ISO 8601 to microseconds.
 enum class DateStrategy {
     deferred,               ///< seconds since 2001-01-01T00:00:00Z, as a number
     secondsSince1970,       ///< seconds since 1970-01-01T00:00:00Z, as a number

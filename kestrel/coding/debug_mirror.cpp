@@ -33,9 +33,6 @@ void DebugMirror::show(std::int64_t value) {
 void DebugMirror::show(double value) {
     text_ += fmt::format("{}", value);
 }
-void DebugMirror::show(bool value) {
-    text_ += value ? "true" : "false";
-}
 void DebugMirror::show(Date value) {
     text_ += value.description();
 }

@@ -2,6 +2,7 @@
 
 #include <kestrel/foundation/data.h>
 #include <kestrel/foundation/date.h>
+#include <concepts>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -15,7 +16,7 @@ class DebugMirror {
     void show(const std::string& value);
     void show(std::int64_t value);
     void show(double value);
-    void show(bool value);
+    void show(std::same_as<bool> auto value) { word(value ? "true" : "false"); }
     void show(Date value);
     void show(const Data& value);
     /// A text without quotes, such as a type's or a case's name.

@@ -116,7 +116,10 @@ class KeyIndex {
     static constexpr unsigned notFound = Count;
 
     consteval explicit KeyIndex(const std::array<std::string_view, Count>& keys) : keys_(keys) {
-        for (factor_ = 0x9e3779b97f4a7c15U;; factor_ = factor_ * 0xd1342543de82ef95U + 1) {
+        factor_ = 0x9e3779b97f4a7c15U;
+        for (int attempts = 0;; ++attempts, factor_ = factor_ * 0xd1342543de82ef95U + 1) {
+            if (attempts == 2000)
+                throw "two keys share their length, their first eight and their last eight characters";
             slots_.fill(static_cast<std::uint8_t>(notFound));
             bool clash = false;
             for (std::size_t i = 0; i < Count && !clash; ++i) {

@@ -17,15 +17,13 @@
 /// are linear in the document.
 namespace kestrel {
 
-/// Appends the keyed form of `value` to `out`. When it fails `out` is as before.
+/// Appends the keyed form of `value`, which must not be `out` itself, to `out`. When it fails, be it for want of
+/// memory, `out` is as before.
 template <class T>
 [[nodiscard]] std::expected<void, EncodingError> encodeJSON(const T& value, std::string& out,
                                                             const CodingOptions& options = {}) {
     JSONWriter writer(out, options);
-    if (!encodeValue(writer, value)) {
-        writer.abandon();
-        return std::unexpected(writer.takeError());
-    }
+    if (!encodeValue(writer, value)) return std::unexpected(writer.takeError());
     writer.finish();
     return {};
 }

@@ -11,6 +11,8 @@
 namespace kestrel {
 namespace {
 
+constexpr std::string_view byteOrderMark = "\xef\xbb\xbf";
+
 constexpr bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
@@ -147,7 +149,6 @@ std::string_view nameOf(JSONReader::Expected expected) {
         case data: return "data in base64";
         case object: return "an object";
         case array: return "an array";
-        case rawValue: return "a raw value";
     }
     return "a value";
 }
@@ -168,14 +169,14 @@ std::string_view kindName(char first) {
 
 JSONReader::JSONReader(std::string_view text, const CodingOptions& options)
     : begin_(text.data()), cursor_(text.data()), end_(text.data() + text.size()), options_(options) {
-    if (text.starts_with("\xef\xbb\xbf")) cursor_ += 3;
+    if (text.starts_with(byteOrderMark)) cursor_ += 3;
     skipSpace();
 }
 
 void JSONReader::restartCarefully() {
     careful_ = true;
     cursor_ = begin_;
-    if (std::string_view(begin_, end_).starts_with("\xef\xbb\xbf")) cursor_ += 3;
+    if (std::string_view(begin_, end_).starts_with(byteOrderMark)) cursor_ += 3;
     depth_ = 0;
     skipSpace();
 }
@@ -202,6 +203,7 @@ DecodingError JSONReader::takeError() {
                 .description = fmt::format("Malformed JSON: {}.", malformed_),
                 .position = positionOf(malformedAt_)};
     }
+    error_.position = positionOf(errorAt_ != nullptr ? errorAt_ : begin_);
     return std::move(error_);
 }
 
@@ -217,7 +219,8 @@ bool JSONReader::malformed(const char* what, const char* at) {
 
 TextPosition JSONReader::positionOf(const char* at) const {
     TextPosition position{.offset = static_cast<std::size_t>(at - begin_)};
-    for (const char* p = begin_; p != at; ++p) {
+    const bool hasMark = std::string_view(begin_, end_).starts_with(byteOrderMark);
+    for (const char* p = hasMark && at != begin_ ? begin_ + byteOrderMark.size() : begin_; p != at; ++p) {
         if (*p == '\n') {
             ++position.line;
             position.column = 1;
@@ -265,7 +268,8 @@ bool JSONReader::refuse(Expected expected) {
 
 bool JSONReader::fail(DecodingError::Kind kind, std::string description) {
     if (!careful_) return false;
-    error_ = {.kind = kind, .codingPath = {}, .description = std::move(description), .position = positionOf(cursor_)};
+    error_ = {.kind = kind, .codingPath = {}, .description = std::move(description), .position = {}};
+    errorAt_ = cursor_;
     return false;
 }
 

@@ -27,7 +27,7 @@ class JSONReader {
     static constexpr unsigned depthLimit = 512;
 
     /// What a codec expected at the cursor, for errors.
-    enum class Expected { boolean, integer, number, string, date, data, object, array, rawValue };
+    enum class Expected { boolean, integer, number, string, date, data, object, array };
     /// What follows a member or element.
     enum class Next { another, end, broken };
 
@@ -56,8 +56,9 @@ class JSONReader {
     bool skipValue();
     [[nodiscard]] bool isNull() const noexcept { return peek() == 'n'; }
     bool readNull();
-    [[nodiscard]] bool isString() const noexcept { return peek() == '"'; }
     [[nodiscard]] bool isObject() const noexcept { return peek() == '{'; }
+    /// Whether no object or array may be entered here.
+    [[nodiscard]] bool isAtDepthLimit() const noexcept { return depth_ == depthLimit; }
 
     // Objects and arrays.
     /// Enters the object at the cursor; the cursor then stands on its first key or its closing brace.
@@ -79,7 +80,7 @@ class JSONReader {
     }
     /// Reads the comma or the end of the object behind a member's value.
     [[gnu::always_inline]] Next nextMember() noexcept { return next('}'); }
-    bool beginArray() noexcept {
+    bool beginArray() {
         if (peek() != '[' || depth_ == depthLimit) return refuse(Expected::array);
         ++depth_;
         ++cursor_;
@@ -188,6 +189,8 @@ class JSONReader {
     const char* malformedAt_ = nullptr;
     CodingOptions options_;
     DecodingError error_;
+    /// Where the error is; its line and column are counted only when somebody takes it.
+    const char* errorAt_ = nullptr;
     /// A key or text that had escapes, unescaped.
     std::string scratch_;
 };

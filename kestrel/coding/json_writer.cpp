@@ -22,10 +22,7 @@ void JSONWriter::grow(std::size_t count) {
 
 void JSONWriter::finish() {
     buffer_->resize(static_cast<std::size_t>(cursor_ - buffer_->data()));
-}
-
-void JSONWriter::abandon() {
-    buffer_->resize(before_);
+    finished_ = true;
 }
 
 bool JSONWriter::fail(std::string description, EncodingError::OffendingValue value) {
@@ -107,14 +104,15 @@ bool copyPlain(char* to, std::string_view text, bool& high) {
 }  // namespace
 
 bool JSONWriter::write(std::string_view value) {
-    // As if every byte became an escape of six characters, so that nothing below has to ask for room.
     constexpr std::size_t slack = 18;
-    reserve(value.size() * 6 + slack);
+    reserve(value.size() + slack);
     *cursor_++ = '"';
     bool high = false;
     if (copyPlain(cursor_, value, high)) {
         cursor_ += value.size();
     } else {
+        // As if every byte became an escape of six characters, so that nothing below has to ask for room.
+        reserve(value.size() * 6 + 1);
         writeEscaped(value, high);
     }
     *cursor_++ = '"';
@@ -192,11 +190,6 @@ bool JSONWriter::write(double value) {
         }
     }
     cursor_ = std::to_chars(cursor_, cursor_ + longest, value).ptr;
-    return true;
-}
-
-bool JSONWriter::write(bool value) {
-    append(value ? std::string_view("true") : std::string_view("false"));
     return true;
 }
 

@@ -4,6 +4,7 @@
 #include <kestrel/coding/coding_options.h>
 #include <kestrel/foundation/data.h>
 #include <kestrel/foundation/date.h>
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -16,18 +17,27 @@ namespace kestrel {
 /// is taken back as a whole when one of them fails.
 class JSONWriter {
   public:
-    /// Appends to `out`, which must outlive the writer and not be touched until `finish` or `abandon`.
+    /// Appends to `out`, which must outlive the writer, not be touched until `finish`, and not be what is written.
     JSONWriter(std::string& out, const CodingOptions& options);
+    JSONWriter(const JSONWriter&) = delete;
+    JSONWriter& operator=(const JSONWriter&) = delete;
+    /// What was not finished is taken back.
+    ~JSONWriter() {
+        if (!finished_) buffer_->resize(before_);
+    }
 
     [[nodiscard]] const CodingOptions& options() const noexcept { return options_; }
 
     // Values. Each fails when the value has no JSON form: a number that is not finite, a text that is not UTF-8, a date
     // that the strategy cannot express.
     bool write(std::string_view value);
-    bool write(const std::string& value) { return write(std::string_view(value)); }
     bool write(std::int64_t value);
     bool write(double value);
-    bool write(bool value);
+    /// Booleans only: what merely converts to one, such as a pointer, is not written as one.
+    bool write(std::same_as<bool> auto value) {
+        append(value ? std::string_view("true") : std::string_view("false"));
+        return true;
+    }
     bool write(Date value);
     bool write(const Data& value);
     void writeNull() { append("null"); }
@@ -59,8 +69,6 @@ class JSONWriter {
 
     /// Trims the text to what was written.
     void finish();
-    /// Trims the text to what it was before.
-    void abandon();
 
     /// An error in the codec's own words; returns false.
     bool fail(std::string description, EncodingError::OffendingValue value = {});
@@ -90,6 +98,7 @@ class JSONWriter {
     char* limit_;
     CodingOptions options_;
     EncodingError error_;
+    bool finished_ = false;
 };
 
 }  // namespace kestrel

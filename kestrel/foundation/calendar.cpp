@@ -4,9 +4,12 @@
 #include <langinfo.h>
 #include <locale.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <exception>
 #include <memory>
+#include <new>
 #include <type_traits>
 
 namespace kestrel {
@@ -20,9 +23,18 @@ using std::chrono::year_month_day;
 
 namespace {
 
+/// The zone's rules are read when it is first asked for something: here, so that a file that cannot be read is a zone
+/// that is not there, and nothing fails later.
+const ::date::time_zone* readable(const ::date::time_zone* zone) {
+    (void)zone->get_info(::date::sys_seconds{});
+    return zone;
+}
+
 const ::date::time_zone* locate(std::string_view name) {
     try {
-        return ::date::locate_zone(name);
+        return readable(::date::locate_zone(name));
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (const std::exception&) {
         return nullptr;
     }
@@ -38,7 +50,9 @@ const ::date::time_zone* userZone() {
         return nullptr;
     }
     try {
-        return ::date::current_zone();
+        return readable(::date::current_zone());
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (const std::exception&) {
         return nullptr;
     }
@@ -58,8 +72,37 @@ weekday userFirstWeekday() {
     return weekday((base + first - 1U) % 7U);
 }
 
-::date::sys_time<microseconds> moment(Date date) {
-    return ::date::sys_time<microseconds>(date.time().time_since_epoch());
+constexpr int farthestYear = 9999;
+
+bool isWithinYears(local_days day) {
+    constexpr local_days first(std::chrono::year(-farthestYear) / 1 / 1);
+    constexpr local_days last(std::chrono::year(farthestYear) / 12 / 31);
+    return first <= day && day <= last;
+}
+
+void requireWithinYears(local_days day) {
+    if (!isWithinYears(day)) fatal("A calendar was asked for a day outside the years -9999 to 9999.");
+}
+
+/// The time-zone library knows the changes of the clocks up to 2037, where the compiled tables end. The rules that are
+/// in force then go on, and a year of the same shape (leap or not, starting on the same weekday) keeps them on the same
+/// days: times of later years are looked up in such a year. Gives the days to go back; 0 for the years that are in the
+/// tables.
+days daysToTabulatedYear(std::chrono::year year) {
+    constexpr std::chrono::year lastTabulated(2037);
+    if (year <= lastTabulated) return days(0);
+    const local_days start(year / 1 / 1);
+    for (std::chrono::year like = lastTabulated;; --like) {
+        const local_days likeStart(like / 1 / 1);
+        if (like.is_leap() == year.is_leap() && weekday(likeStart) == weekday(start)) return start - likeStart;
+    }
+}
+
+/// The day of a moment in UTC. Days farther away than calendars go are all the same one.
+local_days dayInUTC(Date date) {
+    constexpr double limit = 1e9;
+    const double day = std::floor(date.since1970() / 86'400);
+    return local_days(days(static_cast<int>(std::clamp(day, -limit, limit))));
 }
 
 }  // namespace
@@ -83,20 +126,26 @@ std::string_view Calendar::timeZoneName() const {
 }
 
 local_days Calendar::dayOf(Date date) const {
-    const auto time = moment(date);
-    if (zone_ == nullptr) return local_days(days(::date::floor<::date::days>(time).time_since_epoch().count()));
-    const auto local = zone_->to_local(time);
+    const local_days inUTC = dayInUTC(date);
+    if (zone_ == nullptr || !isWithinYears(inUTC)) return inUTC;
+    const ::date::days back(daysToTabulatedYear(year_month_day(inUTC).year()).count());
+    const ::date::sys_time<microseconds> moment(date.time().time_since_epoch());
+    const auto local = zone_->to_local(moment - back) + back;
     return local_days(days(::date::floor<::date::days>(local).time_since_epoch().count()));
 }
 
 Date Calendar::startOf(local_days day) const {
-    const int year = static_cast<int>(year_month_day(day).year());
-    if (year < -9999 || year > 9999) fatal("A calendar was asked for a day outside the years -9999 to 9999.");
+    requireWithinYears(day);
     const auto count = static_cast<int>(day.time_since_epoch().count());
     if (zone_ == nullptr) return Date::from(std::chrono::sys_days(days(count)));
+    const ::date::days back(daysToTabulatedYear(year_month_day(day).year()).count());
     // Of two midnights the earlier; where there is none, the moment at which the clocks jump over it.
-    const auto start = zone_->to_sys(::date::local_days(::date::days(count)), ::date::choose::earliest);
+    const auto start = zone_->to_sys(::date::local_days(::date::days(count)) - back, ::date::choose::earliest) + back;
     return Date::from(std::chrono::sys_seconds(std::chrono::seconds(start.time_since_epoch().count())));
+}
+
+bool operator==(const Calendar& a, const Calendar& b) {
+    return a.firstWeekday_ == b.firstWeekday_ && (a.zone_ == b.zone_ || a.timeZoneName() == b.timeZoneName());
 }
 
 int Calendar::daysBetween(Date from, Date to) const {
@@ -126,11 +175,13 @@ local_days startOfWeek(local_days day, weekday firstWeekday) {
 }
 
 local_days startOfMonth(local_days day) {
+    requireWithinYears(day);
     const year_month_day date(day);
     return local_days(date.year() / date.month() / 1);
 }
 
 local_days startOfQuarter(local_days day) {
+    requireWithinYears(day);
     const year_month_day date(day);
     const unsigned month = static_cast<unsigned>(date.month());
     return local_days(date.year() / std::chrono::month(month - (month - 1) % 3) / 1);
@@ -141,6 +192,7 @@ local_days startOfYear(local_days day) {
 }
 
 local_days addMonths(local_days firstOfMonth, int count) {
+    requireWithinYears(firstOfMonth);
     return local_days(year_month_day(firstOfMonth) + months(count));
 }
 

@@ -19,8 +19,9 @@ namespace kestrel {
 /// put back over midnight it is the earlier of the two midnights; days are therefore of 23, 24 or 25 hours.
 class Calendar {
   public:
-    /// Of the user: the zone of the environment variable TZ, else of the system, else UTC; the first weekday of the
-    /// user's locale, Monday where the locale says nothing. Reads the environment at every call.
+    /// Of the user: the zone that the environment variable TZ names, UTC when it names none of the database; without TZ
+    /// the zone of the system, else UTC; the first weekday of the user's locale, Monday where the locale says nothing.
+    /// Reads the environment at every call.
     [[nodiscard]] static Calendar current();
     [[nodiscard]] static Calendar utc(std::chrono::weekday firstWeekday = std::chrono::Monday);
     /// By the zone's name in the time-zone database, such as "Europe/Berlin". Absent when there is no such zone.
@@ -32,7 +33,7 @@ class Calendar {
 
     /// The calendar day on which a moment falls.
     [[nodiscard]] std::chrono::local_days dayOf(Date date) const;
-    /// The first moment of a day. Dates beyond the years -9999 to 9999 stop the program.
+    /// The first moment of a day.
     [[nodiscard]] Date startOf(std::chrono::local_days day) const;
 
     [[nodiscard]] bool isSameDay(Date a, Date b) const { return dayOf(a) == dayOf(b); }
@@ -48,7 +49,8 @@ class Calendar {
     [[nodiscard]] Date startOfQuarter(Date date) const;
     [[nodiscard]] Date startOfYear(Date date) const;
 
-    friend bool operator==(const Calendar&, const Calendar&) = default;
+    /// The same zone by its name, and the same first weekday.
+    friend bool operator==(const Calendar& a, const Calendar& b);
 
   private:
     Calendar(const ::date::time_zone* zone, std::chrono::weekday firstWeekday)
@@ -60,6 +62,8 @@ class Calendar {
 };
 
 /// Where and when something is looked at: what depends on "today" takes one. By default the user's calendar, now.
+/// Asking for the user's calendar costs some microseconds: where there are many cards, make one for all of them, which
+/// also keeps "today" the same day for all.
 struct CalendarMoment {
     Calendar calendar = Calendar::current();
     Date now = Date::now();
@@ -72,7 +76,7 @@ namespace calendar_days {
 [[nodiscard]] std::chrono::local_days startOfMonth(std::chrono::local_days day);
 [[nodiscard]] std::chrono::local_days startOfQuarter(std::chrono::local_days day);
 [[nodiscard]] std::chrono::local_days startOfYear(std::chrono::local_days day);
-/// Adds months to the first day of a month.
+/// Adds months, up or down, to the first day of a month.
 [[nodiscard]] std::chrono::local_days addMonths(std::chrono::local_days firstOfMonth, int months);
 
 }  // namespace calendar_days

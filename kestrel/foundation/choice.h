@@ -23,7 +23,7 @@ struct NoPayload {
 ///     id.match([](const ObjectID<Task>& task) { … }, [](const TaskID::TaskOccurrence& occurrence) { … });
 ///
 /// Two values are equal when they are of the same case and their payloads are equal.
-template <class... Payloads>
+template <class Derived, class... Payloads>
 class Choice {
   public:
     using Variant = std::variant<Payloads...>;

@@ -61,19 +61,6 @@ inline constexpr auto allCases = [] {
     return cases;
 }();
 
-template <Enumeration E>
-[[nodiscard]] constexpr std::int64_t rawValue(E value) noexcept {
-    return static_cast<std::int64_t>(value);
-}
-
-/// The case of that raw value; absent when no case has it.
-template <Enumeration E>
-[[nodiscard]] constexpr std::optional<E> fromRawValue(std::int64_t raw) noexcept {
-    if (raw < 0 || raw >= static_cast<std::int64_t>(enumeration_detail::rawValueLimit)) return std::nullopt;
-    if (enumeration_detail::names<E>[static_cast<std::size_t>(raw)].empty()) return std::nullopt;
-    return static_cast<E>(raw);
-}
-
 /// The name of the case as it is written in keyed forms and messages. A case whose name is a word of the language
 /// carries an underscore in code ("public_") and none in its name.
 template <Enumeration E>
@@ -104,5 +91,33 @@ enum class EnumerationForm {
 /// The form of an enumeration; specialised beside those that are not written as their raw integer.
 template <Enumeration E>
 inline constexpr EnumerationForm enumerationForm = EnumerationForm::rawValue;
+
+/// Backed by integers.
+template <class E>
+concept IntegerBacked = Enumeration<E> && enumerationForm<E> == EnumerationForm::rawValue;
+/// Backed by texts: the names of its cases.
+template <class E>
+concept TextBacked = Enumeration<E> && enumerationForm<E> == EnumerationForm::caseText;
+
+template <IntegerBacked E>
+[[nodiscard]] constexpr std::int64_t rawValue(E value) noexcept {
+    return static_cast<std::int64_t>(value);
+}
+template <TextBacked E>
+[[nodiscard]] constexpr std::string_view rawValue(E value) noexcept {
+    return caseName(value);
+}
+
+/// The case of that raw value; absent when no case has it.
+template <IntegerBacked E>
+[[nodiscard]] constexpr std::optional<E> fromRawValue(std::int64_t raw) noexcept {
+    if (raw < 0 || raw >= static_cast<std::int64_t>(enumeration_detail::rawValueLimit)) return std::nullopt;
+    if (enumeration_detail::names<E>[static_cast<std::size_t>(raw)].empty()) return std::nullopt;
+    return static_cast<E>(raw);
+}
+template <TextBacked E>
+[[nodiscard]] constexpr std::optional<E> fromRawValue(std::string_view raw) noexcept {
+    return fromCaseName<E>(raw);
+}
 
 }  // namespace kestrel

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <concepts>
-#include <optional>
 #include <type_traits>
 #include <utility>
 
@@ -26,10 +25,10 @@ class ReadOnly {
         requires(!std::same_as<std::remove_cvref_t<U>, ReadOnly> && !std::same_as<std::remove_cvref_t<U>, T>)
     // NOLINTNEXTLINE(google-explicit-constructor,bugprone-forwarding-reference-overload)
     constexpr ReadOnly(U&& value) : value_(std::forward<U>(value)) {}
-    /// Absent. Only optional members have it: an identifier is always given.
+    /// Empty, absent or zero. An identifier has no such value: it is always given.
     constexpr ReadOnly()
-        requires requires { T{std::nullopt}; }
-        : value_(std::nullopt) {}
+        requires(std::default_initializable<T> && !requires { typename T::Record; })
+        : value_() {}
     ReadOnly(const ReadOnly&) = default;
     ReadOnly(ReadOnly&&) = default;
     ~ReadOnly() = default;

@@ -1,8 +1,10 @@
+#include <kestrel/foundation/fatal.h>
 #include <kestrel/foundation/uuid.h>
 
 #include <pthread.h>
 
 #include <atomic>
+#include <boost/uuid/entropy_error.hpp>
 #include <boost/uuid/random_generator.hpp>
 #include <boost/uuid/uuid.hpp>
 #include <optional>
@@ -21,7 +23,11 @@ boost::uuids::random_generator_mt19937& threadGenerator() {
     thread_local unsigned seededAfter = 0;
     const unsigned now = forks.load(std::memory_order_relaxed);
     if (!generator || seededAfter != now) {
-        generator.emplace();
+        try {
+            generator.emplace();
+        } catch (const boost::uuids::entropy_error&) {
+            fatal("The operating system gave no entropy for UUIDs.");
+        }
         seededAfter = now;
     }
     return *generator;

@@ -12,8 +12,8 @@ namespace kestrel {
 /// Written as the bare identifier, for all nine cases. Reading knows contacts only: what any other case has written
 /// fails with `typeMismatch`. The asymmetry is part of the form.
 class ActivitySourceID
-    : public Choice<ObjectID<Contact>, ObjectID<Company>, ObjectID<Task>, ObjectID<Timeblock>, ObjectID<Project>,
-                    ObjectID<Opportunity>, ObjectID<Note>, ObjectID<Email>, ObjectID<Form>> {
+    : public Choice<ActivitySourceID, ObjectID<Contact>, ObjectID<Company>, ObjectID<Task>, ObjectID<Timeblock>,
+                    ObjectID<Project>, ObjectID<Opportunity>, ObjectID<Note>, ObjectID<Email>, ObjectID<Form>> {
   public:
     using Coded = void;
 

@@ -16,6 +16,8 @@ std::optional<AnyObjectID> AnyObjectID::parse(std::string_view text) {
     recordTypes.forEach([&]<class Record>(const RecordNames<Record>& names) {
         if (names.entityName == entity) found = ObjectID<Record>(key);
     });
+    // One text for each identifier: no leading zeros and the like.
+    if (found && found->stringValue() != text) return std::nullopt;
     return found;
 }
 

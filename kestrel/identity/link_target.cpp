@@ -13,7 +13,14 @@ template <class T>
 std::optional<T> attempt(JSONReader& reader) {
     const auto start = reader.place();
     T value = blankValue<T>();
-    if (decodeValue(reader, value)) return value;
+    // Of a key given twice the last one has to count already here: an attempt that fails lets a later case win.
+    bool decoded = false;
+    if constexpr (std::is_same_v<T, AppointmentOccurrenceTarget>) {
+        decoded = coding_detail::decodeFieldsCarefully(reader, value);
+    } else {
+        decoded = decodeValue(reader, value);
+    }
+    if (decoded) return value;
     reader.discardError();
     reader.goTo(start);
     return std::nullopt;

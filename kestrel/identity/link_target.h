@@ -2,6 +2,7 @@
 
 #include <kestrel/foundation/choice.h>
 #include <kestrel/foundation/date.h>
+#include <kestrel/foundation/read_only.h>
 #include <kestrel/identity/any_object_id.h>
 #include <kestrel/identity/object_id.h>
 #include <kestrel/identity/occurrence_edit_scope.h>
@@ -13,10 +14,10 @@ namespace kestrel {
 struct AppointmentOccurrenceTarget {
     using Coded = void;
 
-    ObjectID<Timeblock> parentID;
+    ReadOnly<ObjectID<Timeblock>, AppointmentOccurrenceTarget> parentID;
     /// The occurrence's start.
-    Date startDate{};
-    OccurrenceEditScope editScope{};
+    ReadOnly<Date, AppointmentOccurrenceTarget> startDate{};
+    ReadOnly<OccurrenceEditScope, AppointmentOccurrenceTarget> editScope{};
 
     friend bool operator==(const AppointmentOccurrenceTarget&, const AppointmentOccurrenceTarget&) = default;
 };
@@ -27,9 +28,10 @@ extern template struct Codec<AppointmentOccurrenceTarget>;
 /// Written as its payload alone, without the case's name: the bare identifier, or for an occurrence an object with
 /// "parentID", "startDate" and "editScope". Reading tries the cases in order and takes the first that fits: an
 /// appointment's identifier, an occurrence, then the other identifiers. What fits none fails with `typeMismatch`.
-class LinkTarget : public Choice<ObjectID<Timeblock>, AppointmentOccurrenceTarget, ObjectID<Contact>, ObjectID<Company>,
-                                 ObjectID<Email>, ObjectID<Note>, ObjectID<Opportunity>, ObjectID<Task>,
-                                 ObjectID<Project>, ObjectID<Form>, ObjectID<FileAttachment>, ObjectID<URLReference>> {
+class LinkTarget
+    : public Choice<LinkTarget, ObjectID<Timeblock>, AppointmentOccurrenceTarget, ObjectID<Contact>, ObjectID<Company>,
+                    ObjectID<Email>, ObjectID<Note>, ObjectID<Opportunity>, ObjectID<Task>, ObjectID<Project>,
+                    ObjectID<Form>, ObjectID<FileAttachment>, ObjectID<URLReference>> {
   public:
     using Coded = void;
     using AppointmentOccurrence = AppointmentOccurrenceTarget;

@@ -10,6 +10,7 @@ constexpr std::string_view primaryKeyKey = "primaryKey";
 
 /// The two ways in which identifiers are written, compared as whole texts.
 bool decodeUsualText(JSONReader& reader, std::int64_t& key, const WireNames& names) {
+    if (reader.isAtDepthLimit()) return false;
     if (reader.matchText(names.nameFirst)) return reader.read(key) && reader.matchText("}");
     return reader.matchText("{\"primaryKey\":") && reader.read(key) && reader.matchText(names.nameLast);
 }

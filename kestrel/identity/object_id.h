@@ -75,6 +75,15 @@ class ObjectIDStorage {
     Case case_;
 };
 
+namespace identity_detail {
+
+template <class I>
+inline constexpr bool isCharacterOrBool =
+    std::same_as<I, bool> || std::same_as<I, char> || std::same_as<I, wchar_t> || std::same_as<I, char8_t> ||
+    std::same_as<I, char16_t> || std::same_as<I, char32_t>;
+
+}  // namespace identity_detail
+
 /// What generic code asks of an identifier.
 template <class ID>
 concept ObjectIDProtocol = requires(const ID& id) {
@@ -97,7 +106,8 @@ class ObjectID {
     explicit constexpr ObjectID(ObjectIdentifier tempID) noexcept : storage_(ObjectIDStorage::temp(tempID)) {}
     /// A saved record. Any integer that fits 64 signed bits; negative keys are keys like others.
     template <std::integral I>
-        requires(!std::same_as<I, bool> && (std::signed_integral<I> || sizeof(I) < sizeof(std::int64_t)))
+        requires(!identity_detail::isCharacterOrBool<I> &&
+                 (std::signed_integral<I> || sizeof(I) < sizeof(std::int64_t)))
     // NOLINTNEXTLINE(google-explicit-constructor): an integer literal is an identifier.
     constexpr ObjectID(I primaryKey) noexcept
         : storage_(ObjectIDStorage::persistent(static_cast<std::int64_t>(primaryKey))) {}

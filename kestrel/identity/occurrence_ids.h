@@ -2,6 +2,7 @@
 
 #include <kestrel/foundation/choice.h>
 #include <kestrel/foundation/date.h>
+#include <kestrel/foundation/read_only.h>
 #include <kestrel/identity/link_target.h>
 #include <kestrel/identity/object_id.h>
 #include <optional>
@@ -13,8 +14,8 @@ namespace kestrel {
 struct TimeblockOccurrence {
     using Coded = void;
 
-    ObjectID<Timeblock> parentID;
-    Date startDate{};
+    ReadOnly<ObjectID<Timeblock>, TimeblockOccurrence> parentID;
+    ReadOnly<Date, TimeblockOccurrence> startDate{};
 
     friend bool operator==(const TimeblockOccurrence&, const TimeblockOccurrence&) = default;
 };
@@ -25,8 +26,8 @@ extern template struct Codec<TimeblockOccurrence>;
 struct EventOccurrence {
     using Coded = void;
 
-    std::string eventID{};
-    Date startDate{};
+    ReadOnly<std::string, EventOccurrence> eventID{};
+    ReadOnly<Date, EventOccurrence> startDate{};
 
     friend bool operator==(const EventOccurrence&, const EventOccurrence&) = default;
 };
@@ -34,7 +35,8 @@ extern template struct Codec<EventOccurrence>;
 
 /// An appointment as a calendar sees it: stored, or one occurrence of a stored series, or an event of the host's
 /// calendar, or one occurrence of such an event. In keyed form one key, the case's name, holding the payload's labels.
-class AppointmentID : public Choice<ObjectID<Timeblock>, TimeblockOccurrence, std::string, EventOccurrence> {
+class AppointmentID
+    : public Choice<AppointmentID, ObjectID<Timeblock>, TimeblockOccurrence, std::string, EventOccurrence> {
   public:
     using Coded = void;
     using TimeblockOccurrence = kestrel::TimeblockOccurrence;
@@ -72,15 +74,15 @@ extern template struct Codec<AppointmentID>;
 struct TaskOccurrence {
     using Coded = void;
 
-    ObjectID<Task> parentID;
-    Date dueDate{};
+    ReadOnly<ObjectID<Task>, TaskOccurrence> parentID;
+    ReadOnly<Date, TaskOccurrence> dueDate{};
 
     friend bool operator==(const TaskOccurrence&, const TaskOccurrence&) = default;
 };
 extern template struct Codec<TaskOccurrence>;
 
 /// A task, or one occurrence of a repeating one. In keyed form one key, the case's name, holding the payload's labels.
-class TaskID : public Choice<ObjectID<Task>, TaskOccurrence> {
+class TaskID : public Choice<TaskID, ObjectID<Task>, TaskOccurrence> {
   public:
     using Coded = void;
     using TaskOccurrence = kestrel::TaskOccurrence;

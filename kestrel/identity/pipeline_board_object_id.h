@@ -8,7 +8,7 @@ namespace kestrel {
 
 /// A card on a pipeline board: a project or an opportunity. In keyed form one key, "project" or "opportunity", holding
 /// the identifier under "_0".
-class PipelineBoardObjectID : public Choice<ObjectID<Project>, ObjectID<Opportunity>> {
+class PipelineBoardObjectID : public Choice<PipelineBoardObjectID, ObjectID<Project>, ObjectID<Opportunity>> {
   public:
     using Coded = void;
 

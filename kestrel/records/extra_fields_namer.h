@@ -2,6 +2,8 @@
 
 #include <kestrel/foundation/date.h>
 #include <kestrel/records/extra_fields_names.h>
+#include <concepts>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <utility>
@@ -13,8 +15,20 @@ namespace kestrel {
 template <class Record>
 concept HasExtraFields = requires(const Record& record) {
     { record.extra1 } -> std::convertible_to<const std::optional<std::string>&>;
+    { record.extra2 } -> std::convertible_to<const std::optional<std::string>&>;
+    { record.extra3 } -> std::convertible_to<const std::optional<std::string>&>;
+    { record.extra4 } -> std::convertible_to<const std::optional<std::string>&>;
+    { record.extra5 } -> std::convertible_to<const std::optional<std::string>&>;
+    { record.extra6 } -> std::convertible_to<const std::optional<std::string>&>;
+    { record.extra7 } -> std::convertible_to<const std::optional<std::string>&>;
+    { record.extra8 } -> std::convertible_to<const std::optional<std::string>&>;
+    { record.extra9 } -> std::convertible_to<const std::optional<std::string>&>;
+    { record.extra10 } -> std::convertible_to<const std::optional<std::string>&>;
+    { record.extra11 } -> std::convertible_to<const std::optional<std::string>&>;
     { record.extra12 } -> std::convertible_to<const std::optional<std::string>&>;
     { record.extraDate1 } -> std::convertible_to<const std::optional<Date>&>;
+    { record.extraDate2 } -> std::convertible_to<const std::optional<Date>&>;
+    { record.extraDate3 } -> std::convertible_to<const std::optional<Date>&>;
     { record.extraDate4 } -> std::convertible_to<const std::optional<Date>&>;
 };
 

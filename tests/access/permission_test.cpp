@@ -38,7 +38,7 @@ TEST(PermissionSets, shareATeamOrAreEmpty) {
         for (const auto key : a)
             shared = shared || b.contains(key);
         const PermissionSet set{TeamIDs(a.begin(), a.end())};
-        EXPECT_EQ(set.isAuthorizedForAny(TeamIDs(b.begin(), b.end())), a.empty() || shared);
+        EXPECT_EQ(set.isAuthorized(TeamIDs(b.begin(), b.end())), a.empty() || shared);
         EXPECT_EQ(set.isAuthorized(4), a.empty() || a.contains(4));
     }
 }

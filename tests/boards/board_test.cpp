@@ -162,6 +162,21 @@ TEST(CardOrders, areTotalByEveryKeyInBothOrders) {
     extreme(Key::daysInStage, [&](const auto& c) { return opportunity(c).stageStartDate; }, Date(3), Date(0));
 }
 
+TEST(CardOrders, breakTiesByIdentifierAlone) {
+    const auto named = [](std::int64_t id, const char* title, std::int64_t priority) {
+        return BoardCandidate{.card = BoardCardData::opportunity({.id = id, .title = title, .priority = priority})};
+    };
+    const BoardCardOrder byName({Key::name, SortOrder::forward});
+    EXPECT_TRUE(byName(named(1, "acme", 0), named(2, "ACME", 0)));
+    EXPECT_FALSE(byName(named(2, "ACME", 0), named(1, "acme", 0)));
+    // Neighbours that no double tells apart.
+    const BoardCardOrder byPriority({Key::priority, SortOrder::forward});
+    EXPECT_TRUE(byPriority(named(2, "", 9007199254740992), named(1, "", 9007199254740993)));
+    const auto columns =
+        assembleBoard(BoardKind::opportunities, {}, {candidate(1, 99), candidate(2, 98)}, Key::name).columns;
+    EXPECT_EQ(columns[0].id + columns[1].id * 1000, 98 + 99000) << "unknown stages by identifier";
+}
+
 TEST(Cards, speakForTheirPayload) {
     const ProjectBoardCardData project{.id = 4,
                                        .title = "P",

@@ -43,6 +43,8 @@ TEST(EncodedTexts, escapeWhatJSONDemands) {
         ASSERT_TRUE(encoded);
         EXPECT_EQ(decodeJSON<std::string>(*encoded), text);
     }
+    EXPECT_EQ(encodeJSON("hello"), "\"hello\"") << "a literal is a text, not a pointer that is true";
+    EXPECT_EQ(debugMirror(true), "true");
     EXPECT_EQ(encodeJSON(std::string("\"\\\n\x1f/")), R"("\"\\\n\u001f/")");
 }
 

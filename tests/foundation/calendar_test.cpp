@@ -65,6 +65,32 @@ TEST(Days, startAtTheirFirstMoment) {
     EXPECT_FALSE(Calendar::inZone("Atlantis/Capital"));
 }
 
+TEST(Days, keepTheirRulesAfterTheTables) {
+    // Summer time goes on after 2037, on the last Sundays of March and October.
+    const Calendar berlin = in("Europe/Berlin");
+    for (const int year : {2037, 2038, 2039, 2040, 2064, 2100, 2399, 9998}) {
+        const std::string text = std::to_string(year);
+        EXPECT_EQ(berlin.startOfDay(at((text + "-07-01T12:00:00Z").c_str())), at((text + "-06-30T22:00:00Z").c_str()))
+            << year;
+        EXPECT_EQ(berlin.startOfDay(at((text + "-01-15T12:00:00Z").c_str())), at((text + "-01-14T23:00:00Z").c_str()))
+            << year;
+    }
+    EXPECT_EQ(berlin.startOfDay(at("2038-03-29T12:00:00Z")) - berlin.startOfDay(at("2038-03-28T12:00:00Z")), 23 * 3600);
+    EXPECT_EQ(in("America/New_York").startOfDay(at("2050-07-01T12:00:00Z")), at("2050-07-01T04:00:00Z"));
+    EXPECT_EQ(in("Asia/Tokyo").startOfYear(at("2044-12-31T16:00:00Z")), at("2044-12-31T15:00:00Z"));
+}
+
+TEST(Days, endWhereCalendarsEnd) {
+    const Calendar auckland = in("Pacific/Auckland");
+    for (const double far : {1e300, 1e18, 1e13, 7e11})
+        EXPECT_FALSE(auckland.isSameDay(Date(far), Date(-far))) << far;
+    EXPECT_TRUE(auckland.isSameDay(Date(7e11), Date(7e11 + 1)));
+    EXPECT_DEATH((void)auckland.startOfMonth(Date(2e12)), "outside the years");
+    EXPECT_DEATH((void)auckland.startOfDay(Date(1e300)), "outside the years");
+    EXPECT_EQ(Calendar::utc(), in("UTC"));
+    EXPECT_NE(Calendar::utc(std::chrono::Sunday), Calendar::utc());
+}
+
 TEST(Periods, startOnTheirFirstDay) {
     const Calendar tokyo = in("Asia/Tokyo", std::chrono::Sunday);
     const Date moment = at("2017-08-16T12:00:00Z");

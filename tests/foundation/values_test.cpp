@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <kestrel/boards/sort_descriptor.h>
 #include <kestrel/foundation/enumeration.h>
 #include <kestrel/foundation/fatal.h>
 #include <kestrel/foundation/hashing.h>
@@ -31,6 +32,12 @@ TEST(Enumerations, knowTheirCasesFromTheirDeclaration) {
     }
     EXPECT_FALSE(fromCaseName<Gapped>("private_"));
     EXPECT_EQ(caseName(static_cast<Gapped>(2)), "");
+}
+
+TEST(TextBackedEnumerations, haveTheirNamesAsRawValues) {
+    EXPECT_EQ(rawValue(PipelineBoardSortOrder::reverse), "reverse");
+    EXPECT_EQ(fromRawValue<PipelineBoardSortKey>("daysInStage"), PipelineBoardSortKey::daysInStage);
+    EXPECT_FALSE(fromRawValue<PipelineBoardSortOrder>("Reverse"));
 }
 
 TEST(UUIDs, readOnlyTheirStandardForm) {

@@ -16,6 +16,10 @@ namespace {
 using namespace kestrel;
 
 TEST(Identifiers, describeWhatTheyAre) {
+    static_assert(!std::is_constructible_v<ObjectID<Contact>, bool> &&
+                  !std::is_constructible_v<ObjectID<Contact>, char>);
+    static_assert(!std::is_constructible_v<ObjectID<Contact>, double> &&
+                  !std::is_constructible_v<ObjectID<Contact>, std::uint64_t>);
     const ObjectID<Contact> saved = 42;
     EXPECT_EQ(saved.stringValue(), "Contact/42");
     EXPECT_EQ(saved.description(), "#42");
@@ -155,8 +159,8 @@ TEST(ErasedIdentifiers, compareByEntityAndThenByStorage) {
         ++types;
     });
     EXPECT_GE(types, 30U);
-    for (const char* text :
-         {"", "Contact", "Contact/", "Contact/x", "Contact/5 ", "Company/5", "/5", "Contact/9223372036854775808"}) {
+    for (const char* text : {"", "Contact", "Contact/", "Contact/x", "Contact/5 ", "Contact/05", "Contact/-0",
+                             "Company/5", "/5", "Contact/9223372036854775808"}) {
         EXPECT_FALSE(AnyObjectID::parse(text)) << text;
     }
     boost::unordered_flat_set<AnyObjectID, std::hash<AnyObjectID>> set;

@@ -5,6 +5,8 @@
 #include <kestrel/identity/occurrence_ids.h>
 #include <kestrel/identity/pipeline_board_object_id.h>
 
+#include <random>
+
 namespace {
 
 using namespace kestrel;
@@ -111,6 +113,11 @@ TEST(LinkTargets, areTheFirstCaseThatFits) {
     EXPECT_EQ(decodeJSON<LinkTarget>(R"({"recordName":"Note","recordName":"Form","primaryKey":9})"),
               LinkTarget::form(9));
 
+    // A key given twice does not make a later case win, in either pass.
+    const std::string twice =
+        R"({"recordName":"Company","primaryKey":5,"startDate":1,"editScope":[],)" + occurrence + "}";
+    EXPECT_EQ(decodeJSON<LinkTarget>(twice), everyLinkTarget()[1]);
+
     for (const char* text :
          {"\"x\"", "7", "null", "[]", "{}", R"({"recordName":"Team","primaryKey":5})", R"({"recordName":"Contact"})",
           R"({"recordName":"Contact","primaryKey":5.5})", R"({"recordName":7,"primaryKey":5})"}) {
@@ -120,6 +127,64 @@ TEST(LinkTargets, areTheFirstCaseThatFits) {
         EXPECT_EQ(decoded.error().codingPath, CodingPath{std::size_t{0}});
         EXPECT_EQ(decoded.error().description, "Failed to decode single value container as any LinkTarget.");
     }
+}
+
+/// The twelve attempts as they are told: each by itself, in order, the first that succeeds.
+std::optional<LinkTarget> byTwelveAttempts(const std::string& text) {
+    std::optional<LinkTarget> found;
+    const auto attempt = [&]<class Payload>(std::type_identity<Payload>, auto make) {
+        if (found) return;
+        if (const auto payload = decodeJSON<Payload>(text)) found = make(*payload);
+    };
+    const auto attemptID = [&]<class Record>(std::type_identity<Record>, LinkTarget (*make)(ObjectID<Record>)) {
+        attempt(std::type_identity<ObjectID<Record>>{}, make);
+    };
+    attemptID(std::type_identity<Timeblock>{}, &LinkTarget::appointment);
+    attempt(std::type_identity<AppointmentOccurrenceTarget>{}, [](const AppointmentOccurrenceTarget& o) {
+        return LinkTarget::appointmentOccurrence(o.parentID, o.startDate, o.editScope);
+    });
+    attemptID(std::type_identity<Contact>{}, &LinkTarget::contact);
+    attemptID(std::type_identity<Company>{}, &LinkTarget::company);
+    attemptID(std::type_identity<Email>{}, &LinkTarget::email);
+    attemptID(std::type_identity<Note>{}, &LinkTarget::note);
+    attemptID(std::type_identity<Opportunity>{}, &LinkTarget::opportunity);
+    attemptID(std::type_identity<Task>{}, &LinkTarget::task);
+    attemptID(std::type_identity<Project>{}, &LinkTarget::project);
+    attemptID(std::type_identity<Form>{}, &LinkTarget::form);
+    attemptID(std::type_identity<FileAttachment>{}, &LinkTarget::file);
+    attemptID(std::type_identity<URLReference>{}, &LinkTarget::urlReference);
+    return found;
+}
+
+TEST(LinkTargets, areWhatTheTwelveAttemptsGive) {
+    static constexpr const char* members[] = {R"("recordName":"Timeblock")",
+                                              R"("recordName":"Form")",
+                                              R"("recordName":"Contact")",
+                                              R"("recordName":7)",
+                                              R"("primaryKey":5)",
+                                              R"("primaryKey":"5")",
+                                              R"("parentID":{"recordName":"Timeblock","primaryKey":5})",
+                                              R"("parentID":{"recordName":"Task","primaryKey":5})",
+                                              R"("startDate":5.5)",
+                                              R"("startDate":null)",
+                                              R"("editScope":{"single":{}})",
+                                              R"("editScope":{})",
+                                              R"("x":[{}])"};
+    std::mt19937 engine(9);
+    std::size_t found = 0;
+    for (int i = 0; i < 20'000; ++i) {
+        std::string text = "{";
+        for (auto count = engine() % 9; count > 0; --count)
+            text += std::string(members[engine() % std::size(members)]) + (count > 1 ? "," : "");
+        text += "}";
+        const auto expected = byTwelveAttempts(text);
+        const auto decoded = decodeJSON<LinkTarget>(text);
+        ASSERT_EQ(decoded.has_value(), expected.has_value()) << text;
+        if (!expected) continue;
+        ASSERT_EQ(*decoded, *expected) << text;
+        ++found;
+    }
+    EXPECT_GT(found, 1000U);
 }
 
 TEST(ActivitySources, comeBackOnlyAsContacts) {
