@@ -23,8 +23,10 @@ consteval std::string_view spelledName() {
     std::string_view text = __PRETTY_FUNCTION__;
     text = text.substr(text.find("V = ") + 4);
     text = text.substr(0, text.find_first_of(";]"));
-    if (text.starts_with('(')) return {};
-    return text.substr(text.rfind(':') + 1);
+    // What is no enumerator is spelled as a cast of a number: "(kestrel::State)3". Parentheses also stand around the
+    // name of an unnamed namespace.
+    text = text.substr(text.find_last_of(":)") + 1);
+    return text.empty() || text[0] == '-' || (text[0] >= '0' && text[0] <= '9') ? std::string_view() : text;
 }
 
 template <class E>
