@@ -114,7 +114,7 @@ PipelineBoardSortDescriptor sortNamed(std::string_view text) {
     if (colon == text.npos) return {*key};
     const auto order = fromKebabName<SortOrder>(text.substr(colon + 1));
     if (!order) refuse("sort order", text.substr(colon + 1), kebabNames<SortOrder>());
-    return {*key, *order};
+    return {*key, order};
 }
 
 template <class Record>

@@ -185,7 +185,7 @@ std::vector<Line> columnLines(const BoardColumnData& column, const BoardPicture&
         lines.push_back({{"▌", mark}, {card.title, std::string(bold)}});
         lines.push_back({{"▌", mark}, {card.company}});
         lines.push_back({{"▌", mark}, {facts, std::string(dim)}});
-        lines.push_back({});
+        lines.emplace_back();
     }
     if (column.cards.size() > cards.size())
         lines.push_back({{moreText(column.cards.size() - cards.size()), std::string(dim)}});

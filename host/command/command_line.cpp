@@ -289,7 +289,7 @@ class CommandLine {
 int fail(const std::exception& problem, int exitCode) noexcept {
     try {
         writeErrorLine(std::string("kestrel: ") + problem.what());
-    } catch (const std::exception&) {
+    } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch)
         // No memory for the message: the exit code has to say it.
     }
     return exitCode;

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <host/store/record_table.h>
+#include <host/store/store.h>
 #include <kestrel/boards/opportunity_state.h>
 #include <kestrel/records/extra_fields_namer.h>
 
@@ -474,6 +475,33 @@ TEST(Store, keepsWriteAheadLogAndForeignKeys) {
     database.exec("PRAGMA foreign_keys = ON");
     EXPECT_THROW(database.exec(R"(DELETE FROM "User" WHERE id = 2)"), SQLite::Exception);
     EXPECT_THROW(database.exec(R"(UPDATE "Opportunity" SET currentPipelineStageID = 999)"), SQLite::Exception);
+}
+
+TEST(Store, takesBackWhatIsNotCommitted) {
+    const TemporaryFolder folder;
+    ASSERT_EQ(importFiles(smallExport, folder / "there.db").exitCode, 0);
+    const std::string before = readFile(folder / "there.db");
+    for (const auto* name : {"there.db", "new.db"}) {
+        WritingStore store(folder / name);
+        RecordTable<Team>(store.database()).insert(Team{.teamID = 99});
+    }
+    // A key of nothing is refused at once, or when it is left open to the end.
+    EXPECT_THROW(
+        {
+            WritingStore store(folder / "new.db");
+            RecordTable<Opportunity>(store.database()).insert(Opportunity{.opportunityID = 1, .assignedToID = 99});
+        },
+        SQLite::Exception);
+    EXPECT_THROW(
+        {
+            WritingStore store(folder / "new.db");
+            RecordTable<Pipeline>(store.database()).insert(Pipeline{.pipelineID = 1, .opportunityID = 99});
+            store.commit();
+        },
+        SQLite::Exception);
+    EXPECT_TRUE(readFile(folder / "there.db") == before);
+    for (const auto* name : {"new.db", "new.db-wal", "new.db-shm"})
+        EXPECT_FALSE(std::filesystem::exists(folder / name)) << name;
 }
 
 TEST(Store, tellsWhichRecordIsDamaged) {
