@@ -170,10 +170,11 @@ TEST_F(Board, filtersByEveryKey) {
 }
 
 TEST_F(Board, takesTheMomentInTheUsersCalendar) {
-    // The evening of the sixteenth in London is the seventeenth in Auckland.
+    // The evening of the sixteenth in London is the seventeenth in Auckland. In New York the seventeenth starts at four
+    // in London, so that midnight there, to which the deals are dated, is that of the eighteenth.
     for (const auto& [zone, at, day] : {std::tuple{"UTC", "2017-08-16T20:00:00Z", "2017-08-16"},
                                         std::tuple{"Pacific/Auckland", "2017-08-16T20:00:00Z", "2017-08-17"},
-                                        std::tuple{"Pacific/Auckland", "2017-08-17", "2017-08-17"}}) {
+                                        std::tuple{"America/New_York", "2017-08-17", "2017-08-18"}}) {
         const Outcome outcome =
             kestrel(boardArguments(database, "administrator", {"--filter", "closes=today", "--at", at, "--json"}),
                     {.environment{{"TZ", zone}}});
