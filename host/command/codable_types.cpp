@@ -1,16 +1,34 @@
 #include <host/command/codable_types.h>
 #include <host/store/stored_records.h>
 #include <kestrel/access/permissions.h>
+#include <kestrel/activity/activity_item.h>
+#include <kestrel/activity/email_link.h>
+#include <kestrel/activity/email_message_status.h>
 #include <kestrel/activity/next_activity.h>
 #include <kestrel/boards/board.h>
 #include <kestrel/boards/board_card_pasteboard.h>
 #include <kestrel/boards/board_config.h>
 #include <kestrel/boards/opportunity_state.h>
+#include <kestrel/calendar/repeat_entries.h>
 #include <kestrel/coding/json.h>
+#include <kestrel/details/electronic_address.h>
+#include <kestrel/details/geo_address.h>
+#include <kestrel/details/phone.h>
+#include <kestrel/files/image_asset.h>
+#include <kestrel/foundation/attributed_string.h>
 #include <kestrel/foundation/data.h>
 #include <kestrel/foundation/rgba_color.h>
 #include <kestrel/identity/activity_source_id.h>
 #include <kestrel/identity/occurrence_ids.h>
+#include <kestrel/invitations/external_invitation.h>
+#include <kestrel/invitations/external_invitation_config.h>
+#include <kestrel/invitations/external_invitation_recipient.h>
+#include <kestrel/invitations/meeting_history.h>
+#include <kestrel/records/contact.h>
+#include <kestrel/records/name.h>
+#include <kestrel/records/partial_date.h>
+#include <kestrel/relationships/contact_link.h>
+#include <kestrel/relationships/role_type.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -68,10 +86,13 @@ class TypeTable {
             add<ObjectID<Record>>("ObjectID<" + std::string(names.recordName) + ">");
         });
         const auto firstOther = static_cast<std::ptrdiff_t>(types_.size());
-        StoredRecords::forEach([&]<class Record>() { add<Record>(std::string(recordNameOf<Record>)); });
+        recordTypes.forEach(
+            [&]<class Record>(const RecordNames<Record>& names) { add<Record>(std::string(names.recordName)); });
+        add<ActivityItemID>("ActivityItemID");
         add<ActivitySourceID>("ActivitySourceID");
         add<AppointmentID>("AppointmentID");
         add<AppointmentOccurrenceTarget>("AppointmentOccurrenceTarget");
+        add<AttributedString>("AttributedString");
         add<AvatarInfo>("AvatarInfo");
         add<BoardCardData>("BoardCardData");
         add<BoardColumnData>("BoardColumnData");
@@ -79,17 +100,31 @@ class TypeTable {
         add<BoardConfig>("BoardConfig");
         add<BoardData>("BoardData");
         add<BoardUser>("BoardUser");
+        add<ContactLink>("ContactLink");
+        add<ContactPriority>("ContactPriority");
+        add<EditAnyRoleType>("EditAnyRoleType");
+        add<EditRelationshipType>("EditRelationshipType");
+        add<ElectronicAddressKind>("ElectronicAddressKind");
+        add<EmailAddress>("EmailAddress");
+        add<EmailItem>("EmailItem");
+        add<EmailLink>("EmailLink");
         add<EventOccurrence>("EventOccurrence");
+        add<FileItem>("FileItem");
+        add<FormFieldItem>("FormFieldItem");
+        add<FormItem>("FormItem");
         add<LinkTarget>("LinkTarget");
+        add<Name>("Name");
         add<NextActivity>("NextActivity");
         add<NextActivityType>("NextActivityType");
+        add<NoteItem>("NoteItem");
         add<OccurrenceEditScope>("OccurrenceEditScope");
         add<OpportunityBoardCardData>("OpportunityBoardCardData");
         add<OpportunityBoardConfig>("OpportunityBoardConfig");
         add<OpportunityBoardFilter>("OpportunityBoardFilter");
         add<OpportunityState>("OpportunityState");
-        add<PermissionSet>("PermissionSet");
+        add<PartialDate>("PartialDate");
         add<Permissions>("Permissions");
+        add<PermissionSet>("PermissionSet");
         add<PipelineBoardCardPasteboardData>("PipelineBoardCardPasteboardData");
         add<PipelineBoardDateRange>("PipelineBoardDateRange");
         add<PipelineBoardObjectID>("PipelineBoardObjectID");
@@ -100,9 +135,17 @@ class TypeTable {
         add<ProjectBoardConfig>("ProjectBoardConfig");
         add<ProjectBoardFilter>("ProjectBoardFilter");
         add<RGBAColor>("RGBAColor");
+        add<RoleTypeAppliesTo>("RoleTypeAppliesTo");
+        add<SocialProfile>("SocialProfile");
         add<TaskID>("TaskID");
+        add<TaskItem>("TaskItem");
         add<TaskOccurrence>("TaskOccurrence");
+        add<TextAttributes>("TextAttributes");
+        add<TextBody>("TextBody");
+        add<TimeblockItem>("TimeblockItem");
         add<TimeblockOccurrence>("TimeblockOccurrence");
+        add<URLAddress>("URLAddress");
+        add<URLReferenceItem>("URLReferenceItem");
         std::ranges::sort(types_.begin() + firstOther, types_.end(), {}, &CodableType::name);
     }
 

@@ -101,9 +101,67 @@ CREATE TABLE "OpportunityKeyword"(
 ) STRICT, WITHOUT ROWID;
 )sql";
 
+// Contacts with what belongs to them, and what happened around records. Who is linked to whom does not stand in the
+// records themselves, so all of that is in one table, which is asked from both ends.
+constexpr const char* version2 = R"sql(
+CREATE TABLE "Contact"(id INTEGER PRIMARY KEY, record TEXT NOT NULL) STRICT;
+CREATE TABLE "CustomRecordDefinition"(id INTEGER PRIMARY KEY, record TEXT NOT NULL) STRICT;
+CREATE TABLE "CustomRecordSetDefinition"(id INTEGER PRIMARY KEY, record TEXT NOT NULL) STRICT;
+CREATE TABLE "Email"(id INTEGER PRIMARY KEY, record TEXT NOT NULL) STRICT;
+CREATE TABLE "FileAttachment"(id INTEGER PRIMARY KEY, record TEXT NOT NULL) STRICT;
+CREATE TABLE "Form"(id INTEGER PRIMARY KEY, record TEXT NOT NULL) STRICT;
+CREATE TABLE "Label"(id INTEGER PRIMARY KEY, record TEXT NOT NULL) STRICT;
+CREATE TABLE "MeetingInvite"(id INTEGER PRIMARY KEY, record TEXT NOT NULL) STRICT;
+CREATE TABLE "Note"(id INTEGER PRIMARY KEY, record TEXT NOT NULL) STRICT;
+CREATE TABLE "Relationship"(id INTEGER PRIMARY KEY, record TEXT NOT NULL) STRICT;
+CREATE TABLE "RelationshipType"(id INTEGER PRIMARY KEY, record TEXT NOT NULL) STRICT;
+CREATE TABLE "Role"(id INTEGER PRIMARY KEY, record TEXT NOT NULL) STRICT;
+CREATE TABLE "RoleType"(id INTEGER PRIMARY KEY, record TEXT NOT NULL) STRICT;
+CREATE TABLE "Task"(id INTEGER PRIMARY KEY, record TEXT NOT NULL) STRICT;
+CREATE TABLE "TaskList"(id INTEGER PRIMARY KEY, record TEXT NOT NULL) STRICT;
+CREATE TABLE "Timeblock"(id INTEGER PRIMARY KEY, record TEXT NOT NULL) STRICT;
+CREATE TABLE "URLReference"(id INTEGER PRIMARY KEY, record TEXT NOT NULL) STRICT;
+
+CREATE TABLE "CustomRecord"(
+  id INTEGER PRIMARY KEY,
+  customRecordDefinitionID INTEGER REFERENCES "CustomRecordDefinition",
+  customRecordSetID INTEGER REFERENCES "Form",
+  record TEXT NOT NULL
+) STRICT;
+CREATE INDEX "CustomRecord.customRecordSetID" ON "CustomRecord"(customRecordSetID);
+CREATE TABLE "TaskException"(
+  id INTEGER PRIMARY KEY,
+  taskID INTEGER REFERENCES "Task",
+  record TEXT NOT NULL
+) STRICT;
+CREATE INDEX "TaskException.taskID" ON "TaskException"(taskID);
+CREATE TABLE "TimeblockException"(
+  id INTEGER PRIMARY KEY,
+  timeblockID INTEGER REFERENCES "Timeblock",
+  record TEXT NOT NULL
+) STRICT;
+CREATE INDEX "TimeblockException.timeblockID" ON "TimeblockException"(timeblockID);
+
+CREATE TABLE "RecordLink"(
+  entity TEXT NOT NULL,
+  id INTEGER NOT NULL,
+  kind TEXT NOT NULL,
+  targetEntity TEXT NOT NULL,
+  targetID INTEGER NOT NULL,
+  PRIMARY KEY(entity, id, kind, targetEntity, targetID)
+) STRICT, WITHOUT ROWID;
+CREATE INDEX "RecordLink.target" ON "RecordLink"(targetEntity, targetID, entity, kind, id);
+CREATE TABLE "ImportSource"(
+  entity TEXT NOT NULL,
+  source TEXT NOT NULL,
+  id INTEGER NOT NULL,
+  PRIMARY KEY(entity, source)
+) STRICT, WITHOUT ROWID;
+)sql";
+
 /// What makes each version of the one before it; the first makes version 1 of an empty database. A step that has been
 /// released is never changed again: databases of its version exist.
-constexpr std::array<const char*, schemaVersion> steps{version1};
+constexpr std::array<const char*, schemaVersion> steps{version1, version2};
 
 }  // namespace
 

@@ -1,8 +1,20 @@
 #pragma once
 
 #include <kestrel/access/visibility_preset.h>
+#include <kestrel/activity/email.h>
+#include <kestrel/activity/form.h>
+#include <kestrel/activity/note.h>
 #include <kestrel/boards/opportunity_state_reason.h>
 #include <kestrel/boards/pipeline.h>
+#include <kestrel/calendar/occurrence_exceptions.h>
+#include <kestrel/calendar/task.h>
+#include <kestrel/calendar/task_list.h>
+#include <kestrel/calendar/timeblock.h>
+#include <kestrel/custom/custom_record.h>
+#include <kestrel/details/label.h>
+#include <kestrel/files/file_attachment.h>
+#include <kestrel/files/url_reference.h>
+#include <kestrel/invitations/meeting_invite.h>
 #include <kestrel/lookups/category.h>
 #include <kestrel/lookups/company_types.h>
 #include <kestrel/lookups/keyword.h>
@@ -10,11 +22,16 @@
 #include <kestrel/lookups/team.h>
 #include <kestrel/lookups/user.h>
 #include <kestrel/records/company.h>
+#include <kestrel/records/contact.h>
 #include <kestrel/records/extra_fields_names.h>
 #include <kestrel/records/extra_v_info.h>
 #include <kestrel/records/group.h>
 #include <kestrel/records/opportunity.h>
 #include <kestrel/records/project.h>
+#include <kestrel/relationships/any_relationship.h>
+#include <kestrel/relationships/any_role.h>
+#include <kestrel/relationships/relationship_type.h>
+#include <kestrel/relationships/role_type.h>
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -34,9 +51,12 @@ struct RecordList {
 };
 
 using StoredRecords =
-    RecordList<Category, Company, CompanyType, ExtraFieldsNames, ExtraVInfo, Group, IndustryType, Keyword, Opportunity,
-               OpportunityStateReason, OpportunityType, Pipeline, PipelineDefinition, PipelineStage,
-               PipelineStageDefinition, PipelineStageHistory, Project, RegionType, Team, User, VisibilityPreset>;
+    RecordList<AnyLabel, AnyRelationship, AnyRole, AnyRoleType, Category, Company, CompanyType, Contact, CustomRecord,
+               CustomRecordDefinition, CustomRecordSetDefinition, Email, ExtraFieldsNames, ExtraVInfo, FileAttachment,
+               Form, Group, IndustryType, Keyword, MeetingInvite, Note, Opportunity, OpportunityStateReason,
+               OpportunityType, Pipeline, PipelineDefinition, PipelineStage, PipelineStageDefinition,
+               PipelineStageHistory, Project, RegionType, RelationshipType, Task, TaskException, TaskList, Team,
+               Timeblock, TimeblockException, URLReference, User, VisibilityPreset>;
 
 /// A column that repeats a member of the record: the key of another record.
 template <class Record>
@@ -87,5 +107,14 @@ inline constexpr std::array keyColumns<Project>{
     KeyColumn<Project>{"currentPipelineID", &Project::currentPipelineID},
     KeyColumn<Project>{"currentPipelineStageHistoryID", &Project::currentPipelineStageHistoryID},
     KeyColumn<Project>{"currentPipelineStageID", &Project::currentPipelineStageID}};
+template <>
+inline constexpr std::array keyColumns<CustomRecord>{
+    KeyColumn<CustomRecord>{"customRecordDefinitionID", &CustomRecord::customRecordDefinitionID},
+    KeyColumn<CustomRecord>{"customRecordSetID", &CustomRecord::customRecordSetID}};
+template <>
+inline constexpr std::array keyColumns<TaskException>{KeyColumn<TaskException>{"taskID", &TaskException::taskID}};
+template <>
+inline constexpr std::array keyColumns<TimeblockException>{
+    KeyColumn<TimeblockException>{"timeblockID", &TimeblockException::timeblockID}};
 
 }  // namespace kestrel::host

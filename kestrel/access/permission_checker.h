@@ -55,9 +55,9 @@ struct PermissionChecker {
     [[nodiscard]] bool canDelete(const Permissions& permissions) const { return decideDelete(permissions).isAllowed; }
     [[nodiscard]] Visibility visibility(const Permissions& permissions) const;
 
-    [[nodiscard]] bool canRead(const AuthorizedAccess auto& record) const { return canRead(record.permissions); }
-    [[nodiscard]] bool canUpdate(const AuthorizedAccess auto& record) const { return canUpdate(record.permissions); }
-    [[nodiscard]] bool canDelete(const AuthorizedAccess auto& record) const { return canDelete(record.permissions); }
+    [[nodiscard]] bool canRead(const AuthorizedAccess auto& record) const { return canRead(permissionsOf(record)); }
+    [[nodiscard]] bool canUpdate(const AuthorizedAccess auto& record) const { return canUpdate(permissionsOf(record)); }
+    [[nodiscard]] bool canDelete(const AuthorizedAccess auto& record) const { return canDelete(permissionsOf(record)); }
     [[nodiscard]] Visibility visibility(const AuthorizedAccess auto& record) const;
 
     // The same verdicts with the rule that decided.
@@ -97,7 +97,7 @@ class PermissionChecker::Visibility
 };
 
 PermissionChecker::Visibility PermissionChecker::visibility(const AuthorizedAccess auto& record) const {
-    return visibility(record.permissions);
+    return visibility(permissionsOf(record));
 }
 
 }  // namespace kestrel

@@ -88,10 +88,21 @@ struct Permissions {
 };
 extern template struct Codec<Permissions>;
 
-/// A record under access control.
+/// A record under access control: its permissions are a member, or for what wraps a record a member function.
 template <class Record>
 concept AuthorizedAccess = requires(const Record& record) {
     { record.permissions } -> std::convertible_to<const Permissions&>;
+} || requires(const Record& record) {
+    { record.permissions() } -> std::convertible_to<const Permissions&>;
 };
+
+/// The permissions of either form.
+[[nodiscard]] const Permissions& permissionsOf(const AuthorizedAccess auto& record) {
+    if constexpr (requires { record.permissions(); }) {
+        return record.permissions();
+    } else {
+        return record.permissions;
+    }
+}
 
 }  // namespace kestrel

@@ -4,6 +4,7 @@
 #include <kestrel/coding/debug_mirror.h>
 #include <kestrel/coding/json_reader.h>
 #include <kestrel/coding/json_writer.h>
+#include <kestrel/foundation/attributed_string.h>
 #include <kestrel/foundation/enumeration.h>
 #include <kestrel/foundation/hashing.h>
 #include <kestrel/foundation/rgba_color.h>
@@ -34,6 +35,15 @@ struct Codec {
 };
 
 extern template struct Codec<RGBAColor>;
+extern template struct Codec<TextAttributes>;
+template <>
+struct Codec<AttributedString> {
+    static bool encode(JSONWriter& writer, const AttributedString& value);
+    static bool decode(JSONReader& reader, AttributedString& value);
+    static AttributedString blank();
+    static void hash(Hasher& hasher, const AttributedString& value);
+    static void mirror(DebugMirror& mirror, const AttributedString& value);
+};
 
 /// A type that has a codec: records (they have a record name), and values that say so with `using Coded = void;`.
 template <class T>

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <kestrel/access/permissions.h>
+#include <kestrel/coding/codec.h>
+#include <kestrel/foundation/date.h>
+#include <kestrel/foundation/read_only.h>
+#include <kestrel/identity/object_id.h>
+#include <kestrel/identity/record_types.h>
+#include <kestrel/lookups/category.h>
+#include <kestrel/lookups/keyword.h>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kestrel {
+
+enum class TaskKind : std::uint8_t {
+    todo = 0,
+    inboundCall = 1,
+    outboundCall = 2,
+    fax = 3,
+    email = 4,
+    mail = 5,
+    print = 6
+};
+
+/// Where a task stands. The raw values 1 to 3 belong to no status.
+enum class TaskStatus : std::uint8_t { open = 0, pending = 4, deferred = 5, inProgress = 6, done = 7, cancelled = 8 };
+
+/// A task: something to be done, by a date or some day.
+struct Task {
+    static constexpr auto recordName = recordNameOf<Task>;
+    static constexpr auto entityName = entityNameOf<Task>;
+    using Kind = TaskKind;
+    using Status = TaskStatus;
+
+    ReadOnly<ObjectID<Task>, Task> taskID;
+    std::optional<Date> billedDate{};
+    /// When it was done.
+    std::optional<Date> completeDate{};
+    /// When the record was created.
+    std::optional<Date> createDate{};
+    /// When the record was deleted, softly; absent while it lives.
+    std::optional<Date> deletionDate{};
+    /// A marker of the deletion.
+    std::optional<std::string> deletionIdentifier{};
+    /// Key of the user who deleted it.
+    std::optional<std::int64_t> deletionUserID{};
+    std::optional<std::string> details{};
+    std::optional<Date> dueDate{};
+    /// In the store's unit.
+    std::optional<std::int64_t> estimatedTime{};
+    /// Kept for some day, without a schedule.
+    bool isSomeday{};
+    TaskKind kind{};
+    std::optional<std::string> location{};
+    /// When the record was last changed.
+    std::optional<Date> modifyDate{};
+    /// The store's code.
+    std::int64_t priority{};
+    /// The rule of repetition, by weekdays. The rule's texts and codes are the store's and are not interpreted.
+    std::optional<std::string> repeatByDays{};
+    /// By days of the month.
+    std::optional<std::string> repeatByMonthDays{};
+    /// By months.
+    std::optional<std::string> repeatByMonths{};
+    /// By the n-th weekday.
+    std::int64_t repeatByNthDay{};
+    /// How often it occurs; 0 without such an end.
+    std::int64_t repeatCount{};
+    /// Until when it occurs.
+    std::optional<Date> repeatEndDate{};
+    /// The frequency's code; 0 when it does not repeat.
+    std::int64_t repeatFrequency{};
+    /// Every n-th period.
+    std::int64_t repeatInterval{};
+    /// When the repetition was last changed.
+    std::optional<Date> repeatModifyDate{};
+    /// The date that an occurrence had before it was moved.
+    std::optional<Date> repeatOriginalDate{};
+    std::optional<Date> startDate{};
+    TaskStatus status{};
+    std::optional<std::string> title{};
+    std::optional<std::string> urlString{};
+    /// Who may read and change it.
+    Permissions permissions{};
+    /// Its category, with the name and colour to show.
+    std::optional<Category> category{};
+    std::vector<Keyword> keywords{};
+
+    [[nodiscard]] const ObjectID<Task>& objectID() const noexcept { return taskID.get(); }
+    [[nodiscard]] const ObjectID<Task>& id() const noexcept { return taskID.get(); }
+
+    /// Done or cancelled.
+    [[nodiscard]] bool isClosed() const noexcept { return status == Status::done || status == Status::cancelled; }
+
+    friend bool operator==(const Task&, const Task&) = default;
+};
+extern template struct Codec<Task>;
+
+}  // namespace kestrel

@@ -1,0 +1,110 @@
+#include <kestrel/foundation/attributed_string.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace kestrel {
+
+namespace {
+
+/// A code point starts at every byte that does not continue one; so does whatever follows the end of one.
+bool isStart(char byte) noexcept {
+    return (static_cast<unsigned char>(byte) & 0xc0U) != 0x80U;
+}
+
+/// Walks over code points. Continuation bytes beyond those that the lead byte announces count for themselves.
+std::size_t skipCodePoint(std::string_view text, std::size_t at) noexcept {
+    const auto lead = static_cast<unsigned char>(text[at]);
+    const std::size_t announced = lead >= 0xf0 ? 4 : lead >= 0xe0 ? 3 : lead >= 0xc0 ? 2 : 1;
+    std::size_t end = at + 1;
+    while (end < text.size() && end < at + announced && !isStart(text[end]))
+        ++end;
+    return end;
+}
+
+std::size_t countCodePoints(std::string_view text) noexcept {
+    std::size_t count = 0;
+    for (std::size_t at = 0; at < text.size(); at = skipCodePoint(text, at))
+        ++count;
+    return count;
+}
+
+/// The byte at which that code point starts; the text's size beyond the end.
+std::size_t byteOffset(std::string_view text, std::size_t codePoints) noexcept {
+    std::size_t at = 0;
+    while (codePoints > 0 && at < text.size()) {
+        at = skipCodePoint(text, at);
+        --codePoints;
+    }
+    return at;
+}
+
+}  // namespace
+
+TextAttributes AttributedString::attributesAt(std::size_t position) const {
+    const auto run =
+        std::ranges::upper_bound(runs_, position, {}, [](const Run& candidate) { return candidate.range.start; });
+    if (run == runs_.begin()) return {};
+    const Run& before = *std::prev(run);
+    return position < before.range.end() ? before.attributes : TextAttributes{};
+}
+
+std::string_view AttributedString::substring(Range range) const noexcept {
+    const std::string_view text = text_;
+    const std::string_view rest = text.substr(byteOffset(text, range.start));
+    return rest.substr(0, byteOffset(rest, range.length));
+}
+
+void AttributedString::append(std::string_view text, const TextAttributes& attributes) {
+    const std::size_t start = length_;
+    // A text that was cut within a code point is made whole by what is appended to it: counted anew.
+    const bool joins = !text_.empty() && !text.empty() && !isStart(text.front());
+    text_ += text;
+    length_ = joins ? countCodePoints(text_) : length_ + countCodePoints(text);
+    if (length_ > start) appendRun({start, length_ - start}, attributes);
+}
+
+void AttributedString::append(const AttributedString& other) {
+    if (&other == this) return append(AttributedString(other));
+    const std::size_t start = length_;
+    append(other.text_);
+    for (const Run& run : other.runs_)
+        setAttributes({start + run.range.start, run.range.length}, run.attributes);
+}
+
+void AttributedString::setAttributes(Range range, const TextAttributes& attributes) {
+    if (range.start >= length_) return;
+    range.length = std::min(range.length, length_ - range.start);
+    if (range.length == 0) return;
+    if (runs_.empty() || runs_.back().range.end() <= range.start) return appendRun(range, attributes);
+    std::vector<Run> before = std::exchange(runs_, {});
+    runs_.reserve(before.size() + 2);
+    bool isPlaced = false;
+    const auto place = [&] {
+        if (!std::exchange(isPlaced, true)) appendRun(range, attributes);
+    };
+    for (Run& run : before) {
+        const Range old = run.range;
+        if (old.start < range.start) {
+            appendRun({old.start, std::min(old.end(), range.start) - old.start}, run.attributes);
+        }
+        if (old.end() <= range.start) continue;
+        place();
+        if (old.end() > range.end()) {
+            const std::size_t start = std::max(old.start, range.end());
+            appendRun({start, old.end() - start}, run.attributes);
+        }
+    }
+    place();
+}
+
+void AttributedString::appendRun(Range range, const TextAttributes& attributes) {
+    if (attributes.isPlain()) return;
+    if (!runs_.empty() && runs_.back().range.end() == range.start && runs_.back().attributes == attributes) {
+        runs_.back().range.length += range.length;
+    } else {
+        runs_.push_back({range, attributes});
+    }
+}
+
+}  // namespace kestrel

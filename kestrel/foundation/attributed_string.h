@@ -1,0 +1,96 @@
+#pragma once
+
+#include <kestrel/foundation/rgba_color.h>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kestrel {
+
+/// A part of a person's name.
+enum class NamePart : std::uint8_t { prefix = 0, first = 1, middle = 2, last = 3, suffix = 4, nickname = 5, alias = 6 };
+
+/// How a run of text looks and what it stands for. Without any attribute text is plain.
+struct TextAttributes {
+    using Coded = void;
+
+    std::optional<RGBAColor> backgroundColor{};
+    std::optional<std::string> fontName{};
+    /// In points.
+    std::optional<double> fontSize{};
+    std::optional<RGBAColor> foregroundColor{};
+    bool isBold{};
+    bool isItalic{};
+    bool isStruckThrough{};
+    bool isUnderlined{};
+    /// Where the text leads, as a URL.
+    std::optional<std::string> link{};
+    /// The part of a person's name that the text is.
+    std::optional<NamePart> namePart{};
+
+    [[nodiscard]] bool isPlain() const { return *this == TextAttributes{}; }
+
+    friend bool operator==(const TextAttributes&, const TextAttributes&) = default;
+};
+
+/// Text with attributes over parts of it. Positions and lengths count code points; the text is UTF-8, and a byte that
+/// is no part of a code point counts as one.
+///
+/// The runs are kept in one form: in order, apart from each other, not empty, none of them plain, and neighbours that
+/// look alike are one. So two values are equal when their texts are, and every code point carries the same attributes.
+class AttributedString {
+  public:
+    using Coded = void;
+
+    struct Range {
+        std::size_t start{};
+        std::size_t length{};
+
+        [[nodiscard]] std::size_t end() const noexcept { return start + length; }
+        friend bool operator==(const Range&, const Range&) = default;
+    };
+    /// A part of the text that is not plain.
+    struct Run {
+        Range range{};
+        TextAttributes attributes{};
+
+        friend bool operator==(const Run&, const Run&) = default;
+    };
+
+    /// Empty.
+    AttributedString() = default;
+    /// All of the text with the same attributes.
+    explicit AttributedString(std::string_view text, const TextAttributes& attributes = {}) {
+        append(text, attributes);
+    }
+
+    [[nodiscard]] const std::string& text() const noexcept { return text_; }
+    /// In code points.
+    [[nodiscard]] std::size_t length() const noexcept { return length_; }
+    [[nodiscard]] bool isEmpty() const noexcept { return text_.empty(); }
+    [[nodiscard]] std::span<const Run> runs() const noexcept { return runs_; }
+    /// The attributes of one code point; plain beyond the end. Logarithmic in the number of runs.
+    [[nodiscard]] TextAttributes attributesAt(std::size_t position) const;
+    /// The text of a range, cut off at the end. Linear in the text.
+    [[nodiscard]] std::string_view substring(Range range) const noexcept;
+
+    void append(std::string_view text, const TextAttributes& attributes = {});
+    void append(const AttributedString& other);
+    /// Gives a range these attributes instead of those that it had. What lies beyond the end is left out.
+    void setAttributes(Range range, const TextAttributes& attributes);
+
+    friend bool operator==(const AttributedString&, const AttributedString&) = default;
+
+  private:
+    void appendRun(Range range, const TextAttributes& attributes);
+
+    std::string text_;
+    std::size_t length_ = 0;
+    std::vector<Run> runs_;
+};
+
+}  // namespace kestrel

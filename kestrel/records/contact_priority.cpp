@@ -1,0 +1,26 @@
+#include <kestrel/localization/localized.h>
+#include <kestrel/records/contact_priority.h>
+#include <array>
+#include <cstddef>
+
+namespace kestrel {
+
+std::string displayName(ContactPriority priority) {
+    static constexpr std::array texts{
+        localizable("0 (Inactive)", "Contact Priority"),
+        localizable("1 (Low)", "Contact Priority"),
+        localizable("2", "Contact Priority"),
+        localizable("3", "Contact Priority"),
+        localizable("4", "Contact Priority"),
+        localizable("5 (Medium)", "Contact Priority"),
+        localizable("6", "Contact Priority"),
+        localizable("7", "Contact Priority"),
+        localizable("8", "Contact Priority"),
+        localizable("9", "Contact Priority"),
+        localizable("10 (High)", "Contact Priority"),
+    };
+    static_assert(texts.size() == allCases<ContactPriority>.size());
+    return localized(texts.at(static_cast<std::size_t>(priority)));
+}
+
+}  // namespace kestrel

@@ -1,0 +1,101 @@
+#pragma once
+
+#include <kestrel/coding/codec.h>
+#include <kestrel/foundation/attributed_string.h>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace kestrel {
+
+/// A choice of parts of a name, as bits of an integer.
+struct NameComponents {
+    std::int64_t rawValue{};
+
+    static const NameComponents prefix;
+    static const NameComponents first;
+    static const NameComponents middle;
+    static const NameComponents last;
+    static const NameComponents suffix;
+    static const NameComponents nickname;
+    static const NameComponents alias;
+    static const NameComponents all;
+
+    [[nodiscard]] constexpr bool contains(NameComponents other) const noexcept {
+        return (rawValue & other.rawValue) == other.rawValue;
+    }
+    [[nodiscard]] constexpr bool isEmpty() const noexcept { return rawValue == 0; }
+
+    friend constexpr NameComponents operator|(NameComponents a, NameComponents b) noexcept {
+        return {a.rawValue | b.rawValue};
+    }
+    friend constexpr NameComponents operator&(NameComponents a, NameComponents b) noexcept {
+        return {a.rawValue & b.rawValue};
+    }
+    /// The components of `a` that are not in `b`.
+    friend constexpr NameComponents operator-(NameComponents a, NameComponents b) noexcept {
+        return {a.rawValue & ~b.rawValue};
+    }
+    friend constexpr bool operator==(NameComponents, NameComponents) = default;
+};
+inline constexpr NameComponents NameComponents::prefix{1U << 0U};
+inline constexpr NameComponents NameComponents::first{1U << 1U};
+inline constexpr NameComponents NameComponents::middle{1U << 2U};
+inline constexpr NameComponents NameComponents::last{1U << 3U};
+inline constexpr NameComponents NameComponents::suffix{1U << 4U};
+inline constexpr NameComponents NameComponents::nickname{1U << 5U};
+inline constexpr NameComponents NameComponents::alias{1U << 6U};
+inline constexpr NameComponents NameComponents::all{(1U << 7U) - 1};
+
+/// How much of a name is shown.
+enum class NameStyle : std::uint8_t {
+    short_ = 0,       ///< as friends say it: "Ada"
+    medium = 1,       ///< "Ada Lovelace"
+    long_ = 2,        ///< everything: "Dr. Ada Augusta Lovelace Jr."
+    abbreviated = 3,  ///< as a monogram: "AL"
+};
+
+/// A person's name by its parts.
+struct Name {
+    using Coded = void;
+    using Components = NameComponents;
+    using Style = NameStyle;
+
+    /// In front of the name: "Dr."
+    std::optional<std::string> prefix{};
+    std::optional<std::string> first{};
+    std::optional<std::string> middle{};
+    std::optional<std::string> last{};
+    /// Behind the name: "Jr."
+    std::optional<std::string> suffix{};
+    /// What friends call the person.
+    std::optional<std::string> nickname{};
+    /// Another name that the person goes by.
+    std::optional<std::string> alias{};
+
+    /// A name without any part.
+    [[nodiscard]] static Name empty() { return {}; }
+
+    /// The chosen parts, put together as the people of a locale do: in their order, with their separators. Parts that
+    /// are absent or empty are skipped with what would stand between. The nickname shows only in the short style or
+    /// when it is the one part chosen; the alias only when it is. An empty text when nothing is left to show.
+    ///
+    /// The locale is one of BCP 47 or POSIX, such as "de-AT" or "ja_JP.UTF-8"; an empty one stands for the current
+    /// language of the user. Those without patterns of their own use those of the nearest parent, and at last of
+    /// English.
+    [[nodiscard]] std::string localized(Components components = Components::all, Style style = Style::medium,
+                                        std::string_view locale = {}) const;
+    /// The same as attributed text: every part of the name that shows is marked with its `namePart`.
+    [[nodiscard]] AttributedString annotated(Components components = Components::all, Style style = Style::medium,
+                                             std::string_view locale = {}) const;
+    /// The long form of all parts.
+    [[nodiscard]] std::string localizedFull(std::string_view locale = {}) const;
+    /// First and last name, those of them that are present and not empty, with a space between; absent when neither is.
+    [[nodiscard]] std::optional<std::string> composedFirstLast() const;
+
+    friend bool operator==(const Name&, const Name&) = default;
+};
+extern template struct Codec<Name>;
+
+}  // namespace kestrel
