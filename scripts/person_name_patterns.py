@@ -131,6 +131,9 @@ def main(names_folder, core_folder):
     scripts = {tag: script for tag, script in scripts.items()
                if "-" not in tag or script != scripts[tag.split("-")[0]]}
     of_script = {tag[4:]: full.split("-") for tag, full in likely.items() if re.fullmatch("und-[A-Z][a-z]{3}", tag)}
+    # Where nothing is known at all, a script is likely too: that one has no entry of its own.
+    anything = likely["und"].split("-")
+    of_script.setdefault(anything[1], anything)
     of_script = {script: (full[0], full[2]) for script, full in of_script.items() if full[0] in languages}
     old = {tag: entry["_replacement"] for tag, entry in aliases.items()
            if re.fullmatch("[a-z]{2,3}", tag) and entry["_replacement"].split("-")[0] in languages and tag not in languages

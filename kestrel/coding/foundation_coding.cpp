@@ -56,14 +56,17 @@ bool Codec<AttributedString>::decode(JSONReader& reader, AttributedString& value
     if (!decodeValue(reader, form)) return false;
     value = AttributedString(form.text);
     std::int64_t behind = 0;
-    for (const AttributedRunForm& run : form.runs) {
-        const auto length = static_cast<std::int64_t>(value.length());
+    const auto length = static_cast<std::int64_t>(value.length());
+    for (std::size_t i = 0; i < form.runs.size(); ++i) {
+        const AttributedRunForm& run = form.runs[i];
         if (run.start < behind || run.length < 1 || run.start > length || run.length > length - run.start) {
             reader.goTo(start);
-            return reader.fail(DecodingError::Kind::dataCorrupted,
-                               "The runs of an attributed text must stand in order, apart from each other and within "
-                               "the text: the one of " +
-                                   std::to_string(run.length) + " from " + std::to_string(run.start) + " does not.");
+            reader.fail(DecodingError::Kind::dataCorrupted,
+                        "The run of " + std::to_string(run.length) + " from " + std::to_string(run.start) +
+                            " does not lie within the text and behind the run before it.");
+            reader.prependIndex(i);
+            reader.prependKey("runs");
+            return false;
         }
         behind = run.start + run.length;
     }

@@ -41,6 +41,15 @@ class ReadOnly {
 
     friend constexpr bool operator==(const ReadOnly& a, const ReadOnly& b) { return a.value_ == b.value_; }
     friend constexpr bool operator==(const ReadOnly& a, const T& b) { return a.value_ == b; }
+    /// With whatever the value compares with: a literal, an absent value.
+    template <class U>
+        requires(!std::same_as<U, ReadOnly> && !std::same_as<U, T> &&
+                 requires(const T& value, const U& other) {
+                     { value == other } -> std::convertible_to<bool>;
+                 })
+    friend constexpr bool operator==(const ReadOnly& a, const U& b) {
+        return a.value_ == b;
+    }
 
   private:
     friend Owner;

@@ -358,36 +358,24 @@ struct Pattern {
     }
 };
 
-Field fieldNamed(std::string_view name) {
-    using enum PersonNameField;
-    if (name == "title") return title;
-    if (name == "given") return given;
-    if (name == "given2") return given2;
-    if (name == "surname") return surname;
-    if (name == "surname2") return surname2;
-    return name == "generation" ? generation : credentials;
-}
-
-// The other cases of inflecting languages, vocative and genitive, are answered with the field itself, as no name has
-// them.
-void set(Modifiers& modifiers, std::string_view name) {
-    if (name == "informal")
-        modifiers.informal = true;
-    else if (name == "prefix")
-        modifiers.prefix = true;
-    else if (name == "core")
-        modifiers.core = true;
-    else if (name == "initial")
-        modifiers.initial = true;
-    else if (name == "monogram")
-        modifiers.monogram = true;
-    else if (name == "retain")
-        modifiers.retain = true;
-    else if (name == "allCaps")
-        modifiers.allCaps = true;
-    else if (name == "initialCap")
-        modifiers.initialCap = true;
-}
+template <class Value>
+struct Named {
+    std::string_view name;
+    Value value;
+};
+constexpr std::array fieldNames{Named{"title", Field::title},
+                                Named{"given", Field::given},
+                                Named{"given2", Field::given2},
+                                Named{"surname", Field::surname},
+                                Named{"surname2", Field::surname2},
+                                Named{"generation", Field::generation},
+                                Named{"credentials", Field::credentials}};
+// The cases of inflecting languages, vocative and genitive, are answered with the field itself, as no name has them.
+constexpr std::array modifierNames{
+    Named{"informal", &Modifiers::informal}, Named{"prefix", &Modifiers::prefix},
+    Named{"core", &Modifiers::core},         Named{"initial", &Modifiers::initial},
+    Named{"monogram", &Modifiers::monogram}, Named{"retain", &Modifiers::retain},
+    Named{"allCaps", &Modifiers::allCaps},   Named{"initialCap", &Modifiers::initialCap}};
 
 // The texts come from our table, whose writer checks them.
 Pattern parsed(std::string_view text) {
@@ -400,11 +388,15 @@ Pattern parsed(std::string_view text) {
         element.literal = text.substr(0, open);
         auto names = text.substr(open + 1, close - open - 1);
         auto dash = std::min(names.find('-'), names.size());
-        element.field = fieldNamed(names.substr(0, dash));
+        for (const auto& [name, field] : fieldNames) {
+            if (name == names.substr(0, dash)) element.field = field;
+        }
         while (dash < names.size()) {
             names.remove_prefix(dash + 1);
             dash = std::min(names.find('-'), names.size());
-            set(element.modifiers, names.substr(0, dash));
+            for (const auto& [name, modifier] : modifierNames) {
+                if (name == names.substr(0, dash)) element.modifiers.*modifier = true;
+            }
         }
         text.remove_prefix(close + 1);
     }
@@ -413,11 +405,10 @@ Pattern parsed(std::string_view text) {
 }
 
 std::string_view answer(const Values& values, const Element& element) {
-    const auto& [informal, prefix, core, initial, monogram, retain, allCaps, initialCap] = element.modifiers;
-    if (element.field == Field::given && informal) return values.informal();
-    if (prefix) return element.field == Field::surname ? values.prefix() : std::string_view{};
-    if (core && element.field == Field::surname) return values.core();
-    return values[element.field];
+    const bool isSurname = element.field == Field::surname;
+    if (element.field == Field::given && element.modifiers.informal) return values.informal();
+    if (element.modifiers.prefix) return isSurname ? values.prefix() : std::string_view{};
+    return isSurname && element.modifiers.core ? values.core() : values[element.field];
 }
 
 std::string_view patternText(const PersonNameRules& rules, PersonNameOrder order, PersonNameLength length,
@@ -719,19 +710,12 @@ std::string initials(std::string_view text, bool retain, const PersonNameRules& 
 
 // ---- Putting together ----
 
-bool isOpening(std::string_view text, std::size_t at) {
-    return text[at] == '(' || text[at] == '[';
-}
-bool isClosing(std::string_view text, std::size_t at) {
-    return text[at] == ')' || text[at] == ']';
-}
-
 // What stands between two fields when those between them are gone: `a` stood behind the first, `b` in front of the
 // second.
 std::string coalesced(std::string_view a, std::string_view b) {
     // Brackets around a field go with it, and with them all up to the next space.
-    if (!a.empty() && isOpening(a, a.size() - 1)) a = a.substr(0, a.rfind(' ') + 1);
-    if (!b.empty() && isClosing(b, 0)) b = b.substr(std::min(b.find(' '), b.size()));
+    if (a.ends_with('(')) a = a.substr(0, a.rfind(' ') + 1);
+    if (b.starts_with(')')) b = b.substr(std::min(b.find(' '), b.size()));
     if (a.empty()) return std::string{b};
     if (b.empty() || a.ends_with(b)) return std::string{a};
     // A sign that belongs to the second field, such as a comma, takes the place of what led to the lost one; a sign
@@ -747,15 +731,20 @@ FormattedPersonName assembled(const Pattern& pattern, const PersonNameRules& rul
     FormattedPersonName result;
     const auto elements = pattern.all();
     const Element* previous = nullptr;
+    std::ptrdiff_t openBrackets = 0;
+    const auto appendLiteral = [&](std::string_view literal) {
+        openBrackets += std::ranges::count(literal, '(') - std::ranges::count(literal, ')');
+        appendWithSpaces(result.text, literal, space);
+    };
     for (std::size_t i = 0; i < elements.size(); ++i) {
         const Element& element = elements[i];
         if (element.value.empty()) continue;
         if (previous == nullptr) {
-            if (i == 0) appendWithSpaces(result.text, element.literal, space);
+            if (i == 0) appendLiteral(element.literal);
         } else if (previous + 1 == &element) {
-            appendWithSpaces(result.text, element.literal, space);
+            appendLiteral(element.literal);
         } else {
-            appendWithSpaces(result.text, coalesced((previous + 1)->literal, element.literal), space);
+            appendLiteral(coalesced((previous + 1)->literal, element.literal));
         }
         previous = &element;
 
@@ -784,7 +773,10 @@ FormattedPersonName assembled(const Pattern& pattern, const PersonNameRules& rul
         const std::size_t length = result.text.size() - start;
         if (length > 0) result.runs.push_back({element.field, start, length});
     }
-    if (previous != nullptr && previous == &elements.back()) appendWithSpaces(result.text, pattern.end, space);
+    // What follows the last field goes with it, except for brackets, which stay in pairs.
+    const bool endsWithBracket = pattern.end == ")";
+    if (endsWithBracket ? openBrackets > 0 : previous != nullptr && previous == &elements.back())
+        appendLiteral(pattern.end);
     return result;
 }
 

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -17,9 +16,9 @@ struct PersonNameRules;
 // People's names as they are written in the languages of the world:
 //
 //     const PersonNameFormatter formatter{"en"};
-//     formatter.format({.given = "Ada", .surname = "Lovelace"}).text                                    "Ada Lovelace"
-//     formatter.format({.given = "Ada", .surname = "Lovelace"}, {.order = PersonNameOrder::sorting}).text  "Lovelace,
-//     Ada"
+//     const PersonName name{.given = "Ada", .surname = "Lovelace"};
+//     formatter.format(name).text                                         "Ada Lovelace"
+//     formatter.format(name, {.order = PersonNameOrder::sorting}).text    "Lovelace, Ada"
 //
 // `Name` in the records has simple styles on top of this; a host comes here for lists sorted by family name, for
 // letters, and for names whose own language it knows.

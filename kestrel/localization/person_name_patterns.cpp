@@ -820,12 +820,12 @@ constexpr ScriptLocale scriptLocales[] = {
     {"Hanb", "zh", "TW"}, {"Hang", "ko", "KR"}, {"Hani", "zh", "CN"}, {"Hans", "zh", "CN"}, {"Hant", "zh", "TW"},
     {"Hebr", "he", "IL"}, {"Hira", "ja", "JP"}, {"Hung", "hu", "HU"}, {"Jamo", "ko", "KR"}, {"Java", "jv", "ID"},
     {"Jpan", "ja", "JP"}, {"Kana", "ja", "JP"}, {"Khmr", "km", "KH"}, {"Khoj", "sd", "IN"}, {"Knda", "kn", "IN"},
-    {"Kore", "ko", "KR"}, {"Laoo", "lo", "LA"}, {"Mahj", "hi", "IN"}, {"Mlym", "ml", "IN"}, {"Modi", "mr", "IN"},
-    {"Mong", "mn", "CN"}, {"Mtei", "mni", "IN"}, {"Mymr", "my", "MM"}, {"Nand", "sa", "IN"}, {"Olck", "sat", "IN"},
-    {"Orya", "or", "IN"}, {"Osma", "so", "SO"}, {"Rohg", "rhg", "MM"}, {"Shaw", "en", "GB"}, {"Shrd", "sa", "IN"},
-    {"Sidd", "sa", "IN"}, {"Sind", "sd", "IN"}, {"Sinh", "si", "LK"}, {"Sund", "su", "ID"}, {"Syrc", "syr", "IQ"},
-    {"Takr", "doi", "IN"}, {"Taml", "ta", "IN"}, {"Telu", "te", "IN"}, {"Tglg", "fil", "PH"}, {"Thai", "th", "TH"},
-    {"Tirh", "mai", "IN"}, {"Todr", "sq", "AL"}, {"Tutg", "sa", "IN"}, {"Vith", "sq", "AL"},
+    {"Kore", "ko", "KR"}, {"Laoo", "lo", "LA"}, {"Latn", "en", "US"}, {"Mahj", "hi", "IN"}, {"Mlym", "ml", "IN"},
+    {"Modi", "mr", "IN"}, {"Mong", "mn", "CN"}, {"Mtei", "mni", "IN"}, {"Mymr", "my", "MM"}, {"Nand", "sa", "IN"},
+    {"Olck", "sat", "IN"}, {"Orya", "or", "IN"}, {"Osma", "so", "SO"}, {"Rohg", "rhg", "MM"}, {"Shaw", "en", "GB"},
+    {"Shrd", "sa", "IN"}, {"Sidd", "sa", "IN"}, {"Sind", "sd", "IN"}, {"Sinh", "si", "LK"}, {"Sund", "su", "ID"},
+    {"Syrc", "syr", "IQ"}, {"Takr", "doi", "IN"}, {"Taml", "ta", "IN"}, {"Telu", "te", "IN"}, {"Tglg", "fil", "PH"},
+    {"Thai", "th", "TH"}, {"Tirh", "mai", "IN"}, {"Todr", "sq", "AL"}, {"Tutg", "sa", "IN"}, {"Vith", "sq", "AL"},
 };
 
 constexpr SubtagPair oldLanguages[] = {

@@ -50,9 +50,9 @@ inline constexpr NameComponents NameComponents::all{(1U << 7U) - 1};
 
 /// How much of a name is shown.
 enum class NameStyle : std::uint8_t {
-    short_ = 0,       ///< as friends say it: "Ada"
-    medium = 1,       ///< "Ada Lovelace"
-    long_ = 2,        ///< everything: "Dr. Ada Augusta Lovelace Jr."
+    short_ = 0,       ///< as friends say it: the nickname, or the first name: "Ada"
+    medium = 1,       ///< as most people say it, without middle name and suffix: "Ada Lovelace"
+    long_ = 2,        ///< every chosen part, unabridged: "Dr. Ada Augusta Lovelace Jr."
     abbreviated = 3,  ///< as a monogram: "AL"
 };
 
@@ -80,6 +80,14 @@ struct Name {
     /// The chosen parts, put together as the people of a locale do: in their order, with their separators. Parts that
     /// are absent or empty are skipped with what would stand between. The nickname shows only in the short style or
     /// when it is the one part chosen; the alias only when it is. An empty text when nothing is left to show.
+    ///
+    /// The long style loses none of the chosen parts, and the medium style neither first nor last name. A part that
+    /// people of the locale leave out stands in its usual place: the prefix in front, the middle name behind the first,
+    /// the suffix behind the name. A part that is left alone shows as it is, and parts of which the style shows none,
+    /// such as prefix and suffix, show as in the long style. White space around a part is left out.
+    ///
+    /// A name in the script of the locale has the order of the locale: in Hungarian the last name comes first. One in
+    /// another script is written as in the language of that script: "Ada Lovelace" in Japanese, too.
     ///
     /// The locale is one of BCP 47 or POSIX, such as "de-AT" or "ja_JP.UTF-8"; an empty one stands for the current
     /// language of the user. Those without patterns of their own use those of the nearest parent, and at last of

@@ -1,6 +1,7 @@
 #include <kestrel/relationships/contact_info.h>
 #include <algorithm>
 #include <boost/unordered/unordered_flat_set.hpp>
+#include <cstddef>
 #include <utility>
 
 namespace kestrel {
@@ -79,7 +80,8 @@ std::optional<ContactCompanyRole> ContactInfo::defaultRole() const {
 void ContactInfo::setDefaultRole(const ObjectID<AnyRole>& roleID) {
     const auto found = std::ranges::find(allRoles, roleID, &ContactRole::id);
     if (found == allRoles.end()) return;
-    allRoles = Contact::setDefaultRole(found - allRoles.begin(), std::move(allRoles));
+    const std::ptrdiff_t index = found - allRoles.begin();
+    allRoles = Contact::setDefaultRole(index, std::move(allRoles));
 }
 
 }  // namespace kestrel

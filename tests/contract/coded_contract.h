@@ -38,9 +38,22 @@ inline const std::map<std::string, Kind, std::less<>>& kinds() {
     const auto filter = [&](int key) {
         return R"({"pipelineDefinitionID":)" + identifier("PipelineDefinition", key) + "}";
     };
+    const auto object = [&](const std::string& member, const std::string& record, int key, const std::string& rest) {
+        return "{\"" + member + "\":" + identifier(record, key) + rest + "}";
+    };
+    // A list of one such object, and of none.
+    const auto list = [&](const std::string& member, const std::string& record, const std::string& rest) {
+        return Kind{"[" + object(member, record, 3, rest) + "]", "[]", "{}"};
+    };
+    const auto one = [&](const std::string& member, const std::string& record, const std::string& rest) {
+        return Kind{object(member, record, 3, rest), object(member, record, 4, rest), "[]"};
+    };
+    const std::string unrestricted = R"({"readPermissions":{"teamIDs":[]},"writePermissions":{"teamIDs":[]}})";
+    const std::string plain = R"("isBold":false,"isItalic":false,"isStruckThrough":false,"isUnderlined":true)";
     static const std::map<std::string, Kind, std::less<>> table = [&] {
         std::map<std::string, Kind, std::less<>> made{
             {"string", {R"("first é")", R"("")", "17"}},
+            {"text", {R"("first é")", R"("another")", "17"}},
             {"int", {"-9223372036854775808", "42", R"("42")"}},
             {"double", {"0.1", "-2.5e-300", "true"}},
             {"bool", {"true", "false", "1"}},
@@ -77,6 +90,33 @@ inline const std::map<std::string, Kind, std::less<>>& kinds() {
               R"([{"project":{"_0":{"id":)" + identifier("Project", 3) +
                   R"(,"title":"","linkedPeople":"","linkedCompanies":""}}}])",
               "{}"}},
+            {"enum", {"1", "0", R"("1")"}},
+            {"status", {"4", "0", R"("open")"}},
+            {"texts", {R"(["one",""])", "[]", R"("one")"}},
+            {"label",
+             one("labelID", "AnyLabel",
+                 R"(,"isActive":true,"isForElectronicAddress":true,"isForGeoAddress":false,"isForPhone":true,"order":1)")},
+            {"image", one("imageAssetID", "ImageAsset", R"(,"height":0,"width":7)")},
+            {"electronicAddresses", list("electronicAddressID", "AnyElectronicAddress", R"(,"kind":2)")},
+            {"geoAddresses", list("geoAddressID", "GeoAddress", "")},
+            {"phones", list("phoneID", "Phone", R"(,"number":"+49 30 901820")")},
+            {"keywords", list("keywordID", "Keyword", R"(,"isActive":true,"order":0)")},
+            {"roleType",
+             one("roleTypeID", "AnyRoleType",
+                 R"(,"appliesTo":1,"isActive":true,"isForCompany":true,"isForContact":true,"isForOpportunity":false,)"
+                 R"("isForProject":false)")},
+            {"relationshipType", one("relationshipTypeID", "RelationshipType",
+                                     R"(,"isActive":true,"isForCompany":true,"isForContact":true)")},
+            {"customRecord", one("customRecordID", "CustomRecord", R"(,"order":1)")},
+            {"customDefinition", one("customRecordDefinitionID", "CustomRecordDefinition",
+                                     R"(,"choices":["a"],"isRequired":true,"kind":5,"order":1)")},
+            {"task", one("taskID", "Task",
+                         R"(,"isSomeday":false,"kind":0,"priority":0,"repeatByNthDay":0,"repeatCount":0,)"
+                         R"("repeatFrequency":0,"repeatInterval":0,"status":0,"permissions":)" +
+                             unrestricted + R"(,"keywords":[])")},
+            {"name", {R"({"first":"Ada"})", "{}", "[]"}},
+            {"body", {R"({"html":{"_0":"<p>"}})", R"({"plainText":{"_0":"<p>"}})", "[]"}},
+            {"runs", {R"([{"start":1,"length":2,"attributes":{)" + plain + "}}]", "[]", "{}"}},
             {"columns",
              {"[]", R"([{"id":3,"header":{"id":3,"title":"Won","count":0,"active":true},"cards":[]}])", "{}"}},
         };

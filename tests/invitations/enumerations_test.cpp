@@ -1,0 +1,111 @@
+#include <gtest/gtest.h>
+#include <kestrel/activity/email.h>
+#include <kestrel/calendar/task.h>
+#include <kestrel/calendar/timeblock.h>
+#include <kestrel/details/electronic_address.h>
+#include <kestrel/invitations/invitation_enumerations.h>
+#include <kestrel/records/contact_priority.h>
+#include <kestrel/relationships/role_type.h>
+
+#include <cstdint>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace kestrel;
+
+/// That the enumeration has exactly the named cases with these raw values, and no other integer makes one.
+template <class E>
+void expectCases(const std::vector<std::pair<std::int64_t, std::string>>& cases) {
+    std::set<std::int64_t> raws;
+    for (const auto& [raw, name] : cases) {
+        raws.insert(raw);
+        const auto value = fromRawValue<E>(raw);
+        ASSERT_TRUE(value.has_value()) << name;
+        EXPECT_EQ(caseName(*value), name);
+        EXPECT_EQ(rawValue(*value), raw);
+    }
+    for (std::int64_t raw = -70; raw <= 300; ++raw)
+        EXPECT_EQ(fromRawValue<E>(raw).has_value(), raws.contains(raw)) << raw;
+    EXPECT_EQ(allCases<E>.size(), cases.size());
+}
+
+TEST(Enumerations, haveTheStoresRawValues) {
+    expectCases<TaskKind>(
+        {{0, "todo"}, {1, "inboundCall"}, {2, "outboundCall"}, {3, "fax"}, {4, "email"}, {5, "mail"}, {6, "print"}});
+    expectCases<TaskStatus>(
+        {{0, "open"}, {4, "pending"}, {5, "deferred"}, {6, "inProgress"}, {7, "done"}, {8, "cancelled"}});
+    expectCases<TimeblockKind>({{0, "unknown"},
+                                {1, "appointment"},
+                                {2, "event"},
+                                {4, "outboundCall"},
+                                {5, "inboundCall"},
+                                {6, "chat"},
+                                {7, "vacation"},
+                                {8, "meeting"},
+                                {9, "video"}});
+    expectCases<TimeblockType>({{0, "none"},
+                                {1, "appointment"},
+                                {2, "event"},
+                                {4, "outboundCall"},
+                                {5, "inboundCall"},
+                                {6, "chat"},
+                                {7, "vacation"},
+                                {8, "meeting"},
+                                {9, "video"}});
+    expectCases<TimeblockStatus>({{0, "other"},
+                                  {1, "tentative"},
+                                  {2, "confirmed"},
+                                  {3, "postponed"},
+                                  {4, "completed"},
+                                  {5, "cancelled"},
+                                  {6, "pencilIn"}});
+    expectCases<EmailDMIStatus>({{0, "none"}, {10, "legacy"}, {20, "draft"}});
+    expectCases<RoleTypeAppliesTo>({{0, "contact"}, {1, "organization"}});
+    expectCases<ContactPriority>({{0, "inactive"},
+                                  {1, "p1"},
+                                  {2, "p2"},
+                                  {3, "p3"},
+                                  {4, "p4"},
+                                  {5, "p5"},
+                                  {6, "p6"},
+                                  {7, "p7"},
+                                  {8, "p8"},
+                                  {9, "p9"},
+                                  {10, "p10"}});
+    expectCases<ExternalInvitationType>({{0, "invite"}, {1, "update"}, {2, "cancel"}});
+    expectCases<ExternalInvitationStatus>({{0, "pending"}, {1, "completed"}});
+    expectCases<ExternalInvitationRecipientStatus>({{0, "unsent"}, {1, "sent"}, {2, "invalidated"}, {3, "error"}});
+    expectCases<MeetingInviteStatus>({{0, "unsent"}, {1, "pending"}, {2, "accepted"}, {3, "rejected"}, {4, "unknown"}});
+    expectCases<MeetingHistoryType>({{0, "unknown"}, {1, "accept"}, {2, "reject"}, {3, "tentative"}});
+    expectCases<MeetingHistoryExternalSource>(
+        {{0, "none"}, {1, "icsResponse"}, {2, "webResponse"}, {3, "manualEntry"}});
+    expectCases<MeetingInviteResponseStatus>({{0, "none"}, {1, "accepted"}, {2, "declined"}, {3, "maybe"}});
+    expectCases<MeetingInviteParticipationRole>({{0, "required"}, {1, "optional"}});
+    expectCases<MeetingInviteSendingStatus>({{0, "unsent"}, {1, "pending"}, {2, "sent"}, {3, "failed"}});
+    expectCases<MeetingInviteErrorCode>({{0, "none"},
+                                         {1, "temporaryFailure"},
+                                         {2, "invalidAddress"},
+                                         {3, "recipientRejected"},
+                                         {4, "rateLimited"},
+                                         {5, "senderRejected"},
+                                         {6, "messageRejected"},
+                                         {7, "permanentFailure"}});
+    expectCases<MeetingInviteType>({{1, "user"}, {2, "contact"}, {3, "external"}, {0, "unknown"}, {4, "resource"}});
+}
+
+TEST(Invitations, nameAnswersAndRolesAndTellHopelessErrors) {
+    EXPECT_EQ(displayName(MeetingInviteResponseStatus::none), "None");
+    EXPECT_EQ(displayName(MeetingInviteResponseStatus::maybe), "Maybe");
+    EXPECT_EQ(displayName(MeetingInviteParticipationRole::required), "Required");
+    EXPECT_EQ(displayName(MeetingInviteParticipationRole::optional), "Optional");
+    std::set<std::int64_t> hopeless;
+    for (const auto code : allCases<MeetingInviteErrorCode>) {
+        if (isUnrecoverable(code)) hopeless.insert(rawValue(code));
+    }
+    EXPECT_EQ(hopeless, (std::set<std::int64_t>{2, 3, 5, 6, 7}));
+}
+
+}  // namespace
