@@ -1,26 +1,25 @@
-// Keyed JSON of opportunities against other libraries: every contender in one run, results compared for equality first,
+// Keyed JSON of contacts against other libraries: every contender in one run, results compared for equality first,
 // and at the end a table of times relative to this library's.
 
 #include <benchmark/benchmark.h>
 #include <kestrel/coding/json.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
-#include <map>
 #include <string>
 
 #include "peers.h"
+#include "ratio_reporter.h"
 
 namespace {
 
-using kestrel::Opportunity;
+using kestrel::Contact;
 
 constexpr std::size_t documentCount = 2'000;
 
 struct Samples {
-    std::vector<Opportunity> values = peers::sampleOpportunities(documentCount);
+    std::vector<Contact> values = peers::sampleContacts(documentCount);
     std::string array = kestrel::encodeJSON(values).value();
     std::string shuffledArray = peers::shuffleMembers(array, 7);
     std::vector<std::string> documents = [this] {
@@ -42,11 +41,11 @@ const Samples& samples() {
     return made;
 }
 
-std::vector<Opportunity> decodeArray(std::string_view document) {
-    return kestrel::decodeJSON<std::vector<Opportunity>>(document).value();
+std::vector<Contact> decodeArray(std::string_view document) {
+    return kestrel::decodeJSON<std::vector<Contact>>(document).value();
 }
-Opportunity decodeOne(std::string_view document) {
-    return kestrel::decodeJSON<Opportunity>(document).value();
+Contact decodeOne(std::string_view document) {
+    return kestrel::decodeJSON<Contact>(document).value();
 }
 
 void require(bool holds, const char* what) {
@@ -62,14 +61,18 @@ void compareResults() {
         require(decodeArray(*document) == s.values, "decode array");
         require(peers::decodeArrayBySimdjson(*document) == s.values, "decode array, simdjson");
         require(peers::decodeArrayByRapidJSON(*document) == s.values, "decode array, RapidJSON");
+        require(peers::decodeArrayByNlohmann(*document) == s.values, "decode array, nlohmann-json");
     }
     for (std::size_t i = 0; i < documentCount; ++i) {
         require(decodeOne(s.shuffledDocuments[i]) == s.values[i], "decode one");
         require(peers::decodeOneBySimdjson(s.shuffledDocuments[i]) == s.values[i], "decode one, simdjson");
         require(peers::decodeOneByRapidJSON(s.shuffledDocuments[i]) == s.values[i], "decode one, RapidJSON");
+        require(peers::decodeOneByNlohmann(s.shuffledDocuments[i]) == s.values[i], "decode one, nlohmann-json");
         require(decodeOne(peers::encodeOneByRapidJSON(s.values[i])) == s.values[i], "encode one, RapidJSON");
+        require(decodeOne(peers::encodeOneByNlohmann(s.values[i])) == s.values[i], "encode one, nlohmann-json");
     }
     require(decodeArray(peers::encodeArrayByRapidJSON(s.values)) == s.values, "encode array, RapidJSON");
+    require(decodeArray(peers::encodeArrayByNlohmann(s.values)) == s.values, "encode array, nlohmann-json");
 }
 
 template <class Work>
@@ -80,12 +83,12 @@ void measure(benchmark::State& state, std::size_t bytes, Work work) {
 }
 
 void decodeArrayBy(benchmark::State& state, const std::string& document,
-                   const std::function<std::vector<Opportunity>(std::string_view)>& decode) {
+                   const std::function<std::vector<Contact>(std::string_view)>& decode) {
     measure(state, document.size(), [&] { benchmark::DoNotOptimize(decode(document)); });
 }
 
 void decodeOneBy(benchmark::State& state, const std::vector<std::string>& documents,
-                 const std::function<Opportunity(std::string_view)>& decode) {
+                 const std::function<Contact(std::string_view)>& decode) {
     std::size_t bytes = 0;
     for (const auto& document : documents)
         bytes += document.size();
@@ -94,37 +97,6 @@ void decodeOneBy(benchmark::State& state, const std::vector<std::string>& docume
             benchmark::DoNotOptimize(decode(document));
     });
 }
-
-/// Keeps the shortest time of every benchmark and prints the ratios in the end: noise only ever adds time.
-class RatioReporter : public benchmark::ConsoleReporter {
-  public:
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs) {
-            if (run.run_type != Run::RT_Iteration) continue;
-            const std::string name = run.run_name.function_name;
-            const auto slash = name.rfind('/');
-            auto& time = times_[name.substr(0, slash)][name.substr(slash + 1)];
-            const double measured = run.GetAdjustedRealTime();
-            time = time == 0 ? measured : std::min(time, measured);
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-    void Finalize() override {
-        std::printf("\nTime relative to this library (more than 1: the other one takes longer)\n");
-        for (const auto& [work, contenders] : times_) {
-            const auto own = contenders.find("kestrel");
-            if (own == contenders.end()) continue;
-            std::printf("%-26s", work.c_str());
-            for (const auto& [contender, time] : contenders) {
-                if (contender != "kestrel") std::printf("  %s %.2f", contender.c_str(), time / own->second);
-            }
-            std::printf("\n");
-        }
-    }
-
-  private:
-    std::map<std::string, std::map<std::string, double>> times_;
-};
 
 void registerAll() {
     const Samples& s = samples();
@@ -137,6 +109,8 @@ void registerAll() {
             [&](benchmark::State& state) { decodeArrayBy(state, document, peers::decodeArrayBySimdjson); });
         add((work + "/RapidJSON").c_str(),
             [&](benchmark::State& state) { decodeArrayBy(state, document, peers::decodeArrayByRapidJSON); });
+        add((work + "/nlohmann").c_str(),
+            [&](benchmark::State& state) { decodeArrayBy(state, document, peers::decodeArrayByNlohmann); });
     };
     const auto ones = [&](const std::string& work, const std::vector<std::string>& documents) {
         add((work + "/kestrel").c_str(), [&](benchmark::State& state) { decodeOneBy(state, documents, decodeOne); });
@@ -144,6 +118,8 @@ void registerAll() {
             [&](benchmark::State& state) { decodeOneBy(state, documents, peers::decodeOneBySimdjson); });
         add((work + "/RapidJSON").c_str(),
             [&](benchmark::State& state) { decodeOneBy(state, documents, peers::decodeOneByRapidJSON); });
+        add((work + "/nlohmann").c_str(),
+            [&](benchmark::State& state) { decodeOneBy(state, documents, peers::decodeOneByNlohmann); });
     };
     arrays("decode array", s.array);
     arrays("decode array, shuffled", s.shuffledArray);
@@ -155,6 +131,9 @@ void registerAll() {
     add("encode array/RapidJSON", [&](benchmark::State& state) {
         measure(state, s.array.size(), [&] { benchmark::DoNotOptimize(peers::encodeArrayByRapidJSON(s.values)); });
     });
+    add("encode array/nlohmann", [&](benchmark::State& state) {
+        measure(state, s.array.size(), [&] { benchmark::DoNotOptimize(peers::encodeArrayByNlohmann(s.values)); });
+    });
     add("encode one/kestrel", [&](benchmark::State& state) {
         measure(state, s.array.size(), [&] {
             for (const auto& value : s.values)
@@ -165,6 +144,12 @@ void registerAll() {
         measure(state, s.array.size(), [&] {
             for (const auto& value : s.values)
                 benchmark::DoNotOptimize(peers::encodeOneByRapidJSON(value));
+        });
+    });
+    add("encode one/nlohmann", [&](benchmark::State& state) {
+        measure(state, s.array.size(), [&] {
+            for (const auto& value : s.values)
+                benchmark::DoNotOptimize(peers::encodeOneByNlohmann(value));
         });
     });
 }

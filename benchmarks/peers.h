@@ -1,6 +1,6 @@
 #pragma once
 
-#include <kestrel/records/opportunity.h>
+#include <kestrel/records/contact.h>
 
 #include <string>
 #include <string_view>
@@ -12,17 +12,21 @@
 namespace peers {
 
 /// Fills the values from a document tree.
-std::vector<kestrel::Opportunity> decodeArrayBySimdjson(std::string_view document);
-kestrel::Opportunity decodeOneBySimdjson(std::string_view document);
-std::vector<kestrel::Opportunity> decodeArrayByRapidJSON(std::string_view document);
-kestrel::Opportunity decodeOneByRapidJSON(std::string_view document);
+std::vector<kestrel::Contact> decodeArrayBySimdjson(std::string_view document);
+kestrel::Contact decodeOneBySimdjson(std::string_view document);
+std::vector<kestrel::Contact> decodeArrayByRapidJSON(std::string_view document);
+kestrel::Contact decodeOneByRapidJSON(std::string_view document);
+std::vector<kestrel::Contact> decodeArrayByNlohmann(std::string_view document);
+kestrel::Contact decodeOneByNlohmann(std::string_view document);
 
-/// Writes through the library's streaming writer.
-std::string encodeArrayByRapidJSON(const std::vector<kestrel::Opportunity>& values);
-std::string encodeOneByRapidJSON(const kestrel::Opportunity& value);
+/// Writes through the library's streaming writer, or a tree where it has none.
+std::string encodeArrayByRapidJSON(const std::vector<kestrel::Contact>& values);
+std::string encodeOneByRapidJSON(const kestrel::Contact& value);
+std::string encodeArrayByNlohmann(const std::vector<kestrel::Contact>& values);
+std::string encodeOneByNlohmann(const kestrel::Contact& value);
 
-/// Deals of which about half of the optional members are filled, in a fixed order of chance.
-std::vector<kestrel::Opportunity> sampleOpportunities(std::size_t count);
+/// Contacts of which about half of the optional members are filled, in a fixed order of chance.
+std::vector<kestrel::Contact> sampleContacts(std::size_t count);
 /// The same document with the members of every object in another order.
 std::string shuffleMembers(const std::string& document, unsigned seed);
 

@@ -2,17 +2,16 @@
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 #include <cstdlib>
-#include <unordered_map>
 
-#include "opportunity_fields.h"
+#include "contact_fields.h"
 #include "peers.h"
 
 namespace peers {
 namespace {
 
+using kestrel::Contact;
 using kestrel::Date;
 using kestrel::ObjectID;
-using kestrel::Opportunity;
 using Value = rapidjson::Value;
 
 void read(const Value& from, std::string& to) {
@@ -20,9 +19,6 @@ void read(const Value& from, std::string& to) {
 }
 void read(const Value& from, std::int64_t& to) {
     to = from.GetInt64();
-}
-void read(const Value& from, double& to) {
-    to = from.GetDouble();
 }
 void read(const Value& from, bool& to) {
     to = from.GetBool();
@@ -57,45 +53,72 @@ kestrel::Category readCategory(const Value& from) {
     return to;
 }
 
-enum Member : unsigned {
-#define LIST(member) member,
-    OPPORTUNITY_PLAIN_FIELDS(LIST)
-#undef LIST
-        permissions,
-    category,
-    opportunityID,
-    memberCount
-};
-
-unsigned lookUp(std::string_view key) {
-    static const auto table = [] {
-        std::unordered_map<std::string_view, unsigned> map;
-#define LIST(member) map.emplace(#member, member);
-        OPPORTUNITY_PLAIN_FIELDS(LIST)
-#undef LIST
-        map.emplace("permissions", permissions);
-        map.emplace("category", category);
-        map.emplace("opportunityID", opportunityID);
-        return map;
-    }();
-    const auto found = table.find(key);
-    return found == table.end() ? static_cast<unsigned>(memberCount) : found->second;
+void read(const Value& from, kestrel::ContactPriority& to) {
+    to = static_cast<kestrel::ContactPriority>(from.GetInt64());
 }
 
-Opportunity fill(const Value& from) {
-    Opportunity to{.opportunityID = readKey(from["opportunityID"], "Opportunity")};
+/// A member that need not be there.
+template <class T>
+void readMember(const Value& from, const char* key, T& to) {
+    const auto found = from.FindMember(key);
+    if (found != from.MemberEnd()) read(found->value, to);
+}
+
+kestrel::AnyElectronicAddress readElectronicAddress(const Value& from) {
+    kestrel::AnyElectronicAddress to{.electronicAddressID =
+                                         readKey(from["electronicAddressID"], "AnyElectronicAddress")};
+    readMember(from, "address", to.address);
+    to.kind = static_cast<kestrel::ElectronicAddressKind>(from["kind"].GetInt64());
+    return to;
+}
+
+kestrel::GeoAddress readGeoAddress(const Value& from) {
+    kestrel::GeoAddress to{.geoAddressID = readKey(from["geoAddressID"], "GeoAddress")};
+    readMember(from, "city", to.city);
+    readMember(from, "country", to.country);
+    readMember(from, "street", to.street);
+    return to;
+}
+
+kestrel::Keyword readKeyword(const Value& from) {
+    kestrel::Keyword to{.keywordID = readKey(from["keywordID"], "Keyword")};
+    read(from["isActive"], to.isActive);
+    readMember(from, "name", to.name);
+    read(from["order"], to.order);
+    return to;
+}
+
+kestrel::Phone readPhone(const Value& from) {
+    kestrel::Phone to{.phoneID = readKey(from["phoneID"], "Phone")};
+    readMember(from, "number", to.number);
+    return to;
+}
+
+template <class Record>
+void readList(const Value& from, std::vector<Record>& to, Record (*readOne)(const Value&)) {
+    to.reserve(from.Size());
+    for (const auto& each : from.GetArray())
+        to.push_back(readOne(each));
+}
+
+Contact fill(const Value& from) {
+    Contact to{.contactID = 0};
     for (const auto& [key, value] : from.GetObject()) {
         switch (lookUp({key.GetString(), key.GetStringLength()})) {
 #define READ(name) \
-    case name: read(value, to.name); break;
-            OPPORTUNITY_PLAIN_FIELDS(READ)
+    case name: read(value, writable(to.name)); break;
+            CONTACT_PLAIN_FIELDS(READ)
 #undef READ
-            case opportunityID: break;
+            case contactID: writable(to.contactID) = readKey(value, "Contact"); break;
             case permissions:
                 read(value["readPermissions"], to.permissions.readPermissions);
                 read(value["writePermissions"], to.permissions.writePermissions);
                 break;
             case category: to.category = readCategory(value); break;
+            case electronicAddresses: readList(value, to.electronicAddresses, readElectronicAddress); break;
+            case geoAddresses: readList(value, to.geoAddresses, readGeoAddress); break;
+            case keywords: readList(value, to.keywords, readKeyword); break;
+            case phones: readList(value, to.phones, readPhone); break;
             default: std::abort();
         }
     }
@@ -110,11 +133,11 @@ void put(Writer& writer, const std::string& value) {
 void put(Writer& writer, std::int64_t value) {
     writer.Int64(value);
 }
-void put(Writer& writer, double value) {
-    writer.Double(value);
-}
 void put(Writer& writer, bool value) {
     writer.Bool(value);
+}
+void put(Writer& writer, kestrel::ContactPriority value) {
+    writer.Int64(static_cast<std::int64_t>(value));
 }
 void put(Writer& writer, Date value) {
     writer.Double(value.sinceReferenceDate());
@@ -138,6 +161,17 @@ void put(Writer& writer, const kestrel::PermissionSet& set) {
     writer.EndObject();
 }
 
+void put(Writer& writer, const kestrel::AnyElectronicAddress& address);
+void put(Writer& writer, const kestrel::GeoAddress& address);
+void put(Writer& writer, const kestrel::Keyword& keyword);
+void put(Writer& writer, const kestrel::Phone& phone);
+template <class T>
+void put(Writer& writer, const std::vector<T>& values) {
+    writer.StartArray();
+    for (const auto& each : values)
+        put(writer, each);
+    writer.EndArray();
+}
 template <class T>
 void member(Writer& writer, const char* key, const T& value) {
     writer.Key(key);
@@ -147,11 +181,40 @@ template <class T>
 void member(Writer& writer, const char* key, const std::optional<T>& value) {
     if (value) member(writer, key, *value);
 }
-void write(Writer& writer, const Opportunity& value) {
+void put(Writer& writer, const kestrel::AnyElectronicAddress& address) {
     writer.StartObject();
-    member(writer, "opportunityID", value.objectID());
-#define WRITE(name) member(writer, #name, value.name);
-    OPPORTUNITY_PLAIN_FIELDS(WRITE)
+    member(writer, "electronicAddressID", address.objectID());
+    member(writer, "address", address.address);
+    member(writer, "kind", static_cast<std::int64_t>(address.kind));
+    writer.EndObject();
+}
+void put(Writer& writer, const kestrel::GeoAddress& address) {
+    writer.StartObject();
+    member(writer, "geoAddressID", address.objectID());
+    member(writer, "city", address.city);
+    member(writer, "country", address.country);
+    member(writer, "street", address.street);
+    writer.EndObject();
+}
+void put(Writer& writer, const kestrel::Keyword& keyword) {
+    writer.StartObject();
+    member(writer, "keywordID", keyword.objectID());
+    member(writer, "isActive", keyword.isActive);
+    member(writer, "name", keyword.name);
+    member(writer, "order", keyword.order);
+    writer.EndObject();
+}
+void put(Writer& writer, const kestrel::Phone& phone) {
+    writer.StartObject();
+    member(writer, "phoneID", phone.objectID());
+    member(writer, "number", phone.number);
+    writer.EndObject();
+}
+void write(Writer& writer, const Contact& value) {
+    writer.StartObject();
+    member(writer, "contactID", value.objectID());
+#define WRITE(name) member(writer, #name, kestrel::CodingAccess::member(value.name));
+    CONTACT_PLAIN_FIELDS(WRITE)
 #undef WRITE
     writer.Key("permissions");
     writer.StartObject();
@@ -167,30 +230,34 @@ void write(Writer& writer, const Opportunity& value) {
         member(writer, "order", value.category->order);
         writer.EndObject();
     }
+    member(writer, "electronicAddresses", value.electronicAddresses);
+    member(writer, "geoAddresses", value.geoAddresses);
+    member(writer, "keywords", value.keywords);
+    member(writer, "phones", value.phones);
     writer.EndObject();
 }
 
 }  // namespace
 
-std::vector<Opportunity> decodeArrayByRapidJSON(std::string_view document) {
+std::vector<Contact> decodeArrayByRapidJSON(std::string_view document) {
     rapidjson::Document tree;
     tree.Parse(document.data(), document.size());
     if (tree.HasParseError()) std::abort();
-    std::vector<Opportunity> values;
+    std::vector<Contact> values;
     values.reserve(tree.Size());
     for (const auto& value : tree.GetArray())
         values.push_back(fill(value));
     return values;
 }
 
-Opportunity decodeOneByRapidJSON(std::string_view document) {
+Contact decodeOneByRapidJSON(std::string_view document) {
     rapidjson::Document tree;
     tree.Parse(document.data(), document.size());
     if (tree.HasParseError()) std::abort();
     return fill(tree);
 }
 
-std::string encodeArrayByRapidJSON(const std::vector<Opportunity>& values) {
+std::string encodeArrayByRapidJSON(const std::vector<Contact>& values) {
     rapidjson::StringBuffer buffer;
     Writer writer(buffer);
     writer.StartArray();
@@ -200,7 +267,7 @@ std::string encodeArrayByRapidJSON(const std::vector<Opportunity>& values) {
     return {buffer.GetString(), buffer.GetSize()};
 }
 
-std::string encodeOneByRapidJSON(const Opportunity& value) {
+std::string encodeOneByRapidJSON(const Contact& value) {
     rapidjson::StringBuffer buffer;
     Writer writer(buffer);
     write(writer, value);

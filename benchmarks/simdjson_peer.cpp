@@ -1,17 +1,15 @@
 #include <simdjson.h>
-#include <cstdio>
 #include <cstdlib>
-#include <unordered_map>
 
-#include "opportunity_fields.h"
+#include "contact_fields.h"
 #include "peers.h"
 
 namespace peers {
 namespace {
 
+using kestrel::Contact;
 using kestrel::Date;
 using kestrel::ObjectID;
-using kestrel::Opportunity;
 using simdjson::dom::element;
 
 void read(element from, std::string& to) {
@@ -19,9 +17,6 @@ void read(element from, std::string& to) {
 }
 void read(element from, std::int64_t& to) {
     to = from.get_int64().value();
-}
-void read(element from, double& to) {
-    to = from.get_double().value();
 }
 void read(element from, bool& to) {
     to = from.get_bool().value();
@@ -63,75 +58,90 @@ kestrel::Category readCategory(element from) {
     return to;
 }
 
-enum Member : unsigned {
-#define LIST(member) member,
-    OPPORTUNITY_PLAIN_FIELDS(LIST)
-#undef LIST
-        opportunityID,
-    permissions,
-    category,
-    memberCount
-};
-
-constexpr std::string_view names[] = {
-#define LIST(member) #member,
-    OPPORTUNITY_PLAIN_FIELDS(LIST)
-#undef LIST
-        "opportunityID",
-    "permissions", "category"};
-
-unsigned lookUp(std::string_view key) {
-    static const auto table = [] {
-        std::unordered_map<std::string_view, unsigned> map;
-        for (unsigned i = 0; i < memberCount; ++i)
-            map.emplace(names[i], i);
-        return map;
-    }();
-    const auto found = table.find(key);
-    return found == table.end() ? static_cast<unsigned>(memberCount) : found->second;
+void read(element from, kestrel::ContactPriority& to) {
+    to = static_cast<kestrel::ContactPriority>(from.get_int64().value());
 }
 
-Opportunity fill(element from) {
-    Opportunity to{.opportunityID = ObjectID<Opportunity>(0)};
+kestrel::AnyElectronicAddress readElectronicAddress(element from) {
+    kestrel::AnyElectronicAddress to{.electronicAddressID = 0};
+    for (auto [key, value] : from.get_object()) {
+        if (key == "electronicAddressID") writable(to.electronicAddressID) = readKey(value, "AnyElectronicAddress");
+        if (key == "address") read(value, to.address);
+        if (key == "kind") to.kind = static_cast<kestrel::ElectronicAddressKind>(value.get_int64().value());
+    }
+    return to;
+}
+
+kestrel::GeoAddress readGeoAddress(element from) {
+    kestrel::GeoAddress to{.geoAddressID = 0};
+    for (auto [key, value] : from.get_object()) {
+        if (key == "geoAddressID") writable(to.geoAddressID) = readKey(value, "GeoAddress");
+        if (key == "city") read(value, to.city);
+        if (key == "country") read(value, to.country);
+        if (key == "street") read(value, to.street);
+    }
+    return to;
+}
+
+kestrel::Keyword readKeyword(element from) {
+    kestrel::Keyword to{.keywordID = 0};
+    for (auto [key, value] : from.get_object()) {
+        if (key == "keywordID") writable(to.keywordID) = readKey(value, "Keyword");
+        if (key == "isActive") read(value, to.isActive);
+        if (key == "name") read(value, to.name);
+        if (key == "order") read(value, to.order);
+    }
+    return to;
+}
+
+kestrel::Phone readPhone(element from) {
+    kestrel::Phone to{.phoneID = 0};
+    for (auto [key, value] : from.get_object()) {
+        if (key == "phoneID") writable(to.phoneID) = readKey(value, "Phone");
+        if (key == "number") read(value, to.number);
+    }
+    return to;
+}
+
+template <class Record>
+void readList(element from, std::vector<Record>& to, Record (*readOne)(element)) {
+    for (auto each : from.get_array())
+        to.push_back(readOne(each));
+}
+
+Contact fill(element from) {
+    Contact to{.contactID = 0};
     unsigned expected = 0;
     for (auto [key, value] : from.get_object()) {
         unsigned member = memberCount;
         for (unsigned next = expected; next < memberCount && next < expected + 3; ++next) {
-            if (key == names[next]) member = next;
+            if (key == memberNames[next]) member = next;
         }
         if (member == memberCount) member = lookUp(key);
         switch (member) {
 #define READ(name) \
-    case name: read(value, to.name); break;
-            OPPORTUNITY_PLAIN_FIELDS(READ)
+    case name: read(value, writable(to.name)); break;
+            CONTACT_PLAIN_FIELDS(READ)
 #undef READ
-            case opportunityID: {
-                // The identifier is fixed in a record: the record is made anew, still empty, as it is the first member.
-                Opportunity identified{.opportunityID = readKey(value, "Opportunity")};
-                if (expected != 0) {
-#define MOVE(name) identified.name = std::move(to.name);
-                    OPPORTUNITY_PLAIN_FIELDS(MOVE)
-#undef MOVE
-                    identified.permissions = std::move(to.permissions);
-                    identified.category = std::move(to.category);
-                }
-                to = std::move(identified);
-                break;
-            }
+            case contactID: writable(to.contactID) = readKey(value, "Contact"); break;
             case permissions: read(value, to.permissions); break;
             case category: to.category = readCategory(value); break;
+            case electronicAddresses: readList(value, to.electronicAddresses, readElectronicAddress); break;
+            case geoAddresses: readList(value, to.geoAddresses, readGeoAddress); break;
+            case keywords: readList(value, to.keywords, readKeyword); break;
+            case phones: readList(value, to.phones, readPhone); break;
             default: std::abort();
         }
-        expected = member == opportunityID ? 0 : member + 1;
+        expected = member == contactID ? 0 : member + 1;
     }
     return to;
 }
 
 }  // namespace
 
-std::vector<Opportunity> decodeArrayBySimdjson(std::string_view document) {
+std::vector<Contact> decodeArrayBySimdjson(std::string_view document) {
     static simdjson::dom::parser parser;
-    std::vector<Opportunity> values;
+    std::vector<Contact> values;
     auto elements = parser.parse(document.data(), document.size()).get_array().value();
     values.reserve(elements.size());
     for (auto value : elements)
@@ -139,7 +149,7 @@ std::vector<Opportunity> decodeArrayBySimdjson(std::string_view document) {
     return values;
 }
 
-Opportunity decodeOneBySimdjson(std::string_view document) {
+Contact decodeOneBySimdjson(std::string_view document) {
     static simdjson::dom::parser parser;
     return fill(parser.parse(document.data(), document.size()).value());
 }

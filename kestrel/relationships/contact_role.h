@@ -2,6 +2,7 @@
 
 #include <kestrel/foundation/choice.h>
 #include <kestrel/foundation/date.h>
+#include <kestrel/foundation/shared.h>
 #include <kestrel/records/company.h>
 #include <kestrel/records/contact.h>
 #include <kestrel/records/opportunity.h>
@@ -20,26 +21,36 @@ namespace kestrel {
 //
 // Records within are read by pointers, which are null where there is none and live as long as the role is not changed.
 
-/// Where a contact has a role.
-class RoleDestination : public Choice<RoleDestination, Company, Opportunity, Project, NoPayload<3>> {
+/// Where a contact has a role. Copies share the record.
+class RoleDestination
+    : public Choice<RoleDestination, Shared<Company>, Shared<Opportunity>, Shared<Project>, NoPayload<3>> {
   public:
-    [[nodiscard]] static RoleDestination company(Company company) { return RoleDestination(std::move(company)); }
-    [[nodiscard]] static RoleDestination opportunity(Opportunity opportunity) {
-        return RoleDestination(std::move(opportunity));
+    [[nodiscard]] static RoleDestination company(Company company) {
+        return RoleDestination(Shared(std::move(company)));
     }
-    [[nodiscard]] static RoleDestination project(Project project) { return RoleDestination(std::move(project)); }
+    [[nodiscard]] static RoleDestination opportunity(Opportunity opportunity) {
+        return RoleDestination(Shared(std::move(opportunity)));
+    }
+    [[nodiscard]] static RoleDestination project(Project project) {
+        return RoleDestination(Shared(std::move(project)));
+    }
     /// It could not be loaded.
     [[nodiscard]] static RoleDestination missingDestination() { return RoleDestination(NoPayload<3>{}); }
 
-    [[nodiscard]] const Company* company() const noexcept { return payloadIf<Company>(); }
-    [[nodiscard]] const Opportunity* opportunity() const noexcept { return payloadIf<Opportunity>(); }
-    [[nodiscard]] const Project* project() const noexcept { return payloadIf<Project>(); }
+    [[nodiscard]] const Company* company() const noexcept { return shared<Company>(); }
+    [[nodiscard]] const Opportunity* opportunity() const noexcept { return shared<Opportunity>(); }
+    [[nodiscard]] const Project* project() const noexcept { return shared<Project>(); }
     [[nodiscard]] bool isMissingDestination() const noexcept { return caseIndex() == 3; }
 
     friend bool operator==(const RoleDestination&, const RoleDestination&) = default;
 
   private:
     explicit RoleDestination(Variant value) : Choice(std::move(value)) {}
+    template <class Record>
+    [[nodiscard]] const Record* shared() const noexcept {
+        const auto* record = payloadIf<Shared<Record>>();
+        return record != nullptr ? record->get() : nullptr;
+    }
 };
 
 /// A role's type, which need not be one that describes a person: then it is `invalid`, but keeps its name.

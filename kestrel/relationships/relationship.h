@@ -2,6 +2,7 @@
 
 #include <kestrel/foundation/choice.h>
 #include <kestrel/foundation/date.h>
+#include <kestrel/foundation/shared.h>
 #include <kestrel/records/company.h>
 #include <kestrel/records/contact.h>
 #include <kestrel/relationships/any_relationship.h>
@@ -18,28 +19,33 @@ namespace kestrel {
 // Records within are read by pointers, which are null where there is none and live as long as the relationship is not
 // changed.
 
-/// The far end of a relationship seen from its source: another contact or a company.
-class RelationshipDestination : public Choice<RelationshipDestination, Contact, Company, NoPayload<2>> {
+/// The far end of a relationship seen from its source: another contact or a company. Copies share the record.
+class RelationshipDestination : public Choice<RelationshipDestination, Shared<Contact>, Shared<Company>, NoPayload<2>> {
   public:
     [[nodiscard]] static RelationshipDestination contact(Contact contact) {
-        return RelationshipDestination(std::move(contact));
+        return RelationshipDestination(Shared(std::move(contact)));
     }
     [[nodiscard]] static RelationshipDestination company(Company company) {
-        return RelationshipDestination(std::move(company));
+        return RelationshipDestination(Shared(std::move(company)));
     }
     /// It could not be loaded.
     [[nodiscard]] static RelationshipDestination missingDestination() {
         return RelationshipDestination(NoPayload<2>{});
     }
 
-    [[nodiscard]] const Contact* contact() const noexcept { return payloadIf<Contact>(); }
-    [[nodiscard]] const Company* company() const noexcept { return payloadIf<Company>(); }
+    [[nodiscard]] const Contact* contact() const noexcept { return shared<Contact>(); }
+    [[nodiscard]] const Company* company() const noexcept { return shared<Company>(); }
     [[nodiscard]] bool isMissingDestination() const noexcept { return caseIndex() == 2; }
 
     friend bool operator==(const RelationshipDestination&, const RelationshipDestination&) = default;
 
   private:
     explicit RelationshipDestination(Variant value) : Choice(std::move(value)) {}
+    template <class Record>
+    [[nodiscard]] const Record* shared() const noexcept {
+        const auto* record = payloadIf<Shared<Record>>();
+        return record != nullptr ? record->get() : nullptr;
+    }
 };
 
 /// A relationship seen from its source: it points to its destination.
@@ -121,22 +127,31 @@ concept ToRelationshipSpecialization = requires(const View& view, const ToRelati
 };
 static_assert(ToRelationshipSpecialization<ToContactRelationship>);
 
-/// The far end of a relationship seen from its destination: another contact or a company.
-class RelationshipSource : public Choice<RelationshipSource, Contact, Company, NoPayload<2>> {
+/// The far end of a relationship seen from its destination: another contact or a company. Copies share the record.
+class RelationshipSource : public Choice<RelationshipSource, Shared<Contact>, Shared<Company>, NoPayload<2>> {
   public:
-    [[nodiscard]] static RelationshipSource contact(Contact contact) { return RelationshipSource(std::move(contact)); }
-    [[nodiscard]] static RelationshipSource company(Company company) { return RelationshipSource(std::move(company)); }
+    [[nodiscard]] static RelationshipSource contact(Contact contact) {
+        return RelationshipSource(Shared(std::move(contact)));
+    }
+    [[nodiscard]] static RelationshipSource company(Company company) {
+        return RelationshipSource(Shared(std::move(company)));
+    }
     /// It could not be loaded.
     [[nodiscard]] static RelationshipSource missingSource() { return RelationshipSource(NoPayload<2>{}); }
 
-    [[nodiscard]] const Contact* contact() const noexcept { return payloadIf<Contact>(); }
-    [[nodiscard]] const Company* company() const noexcept { return payloadIf<Company>(); }
+    [[nodiscard]] const Contact* contact() const noexcept { return shared<Contact>(); }
+    [[nodiscard]] const Company* company() const noexcept { return shared<Company>(); }
     [[nodiscard]] bool isMissingSource() const noexcept { return caseIndex() == 2; }
 
     friend bool operator==(const RelationshipSource&, const RelationshipSource&) = default;
 
   private:
     explicit RelationshipSource(Variant value) : Choice(std::move(value)) {}
+    template <class Record>
+    [[nodiscard]] const Record* shared() const noexcept {
+        const auto* record = payloadIf<Shared<Record>>();
+        return record != nullptr ? record->get() : nullptr;
+    }
 };
 
 /// A relationship seen from its destination: it points back to its source.

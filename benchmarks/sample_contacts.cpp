@@ -4,8 +4,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <random>
+#include <unordered_map>
 
-#include "opportunity_fields.h"
+#include "contact_fields.h"
 #include "peers.h"
 
 namespace peers {
@@ -51,9 +52,8 @@ class Chance {
         }
     }
     void fill(std::int64_t& value) { value = coin() ? upTo(100) : upTo(10'000'000); }
-    void fill(double& value) {
-        value = coin() ? static_cast<double>(upTo(1'000'000)) : static_cast<double>(upTo(100'000'000)) / 100;
-    }
+    void fill(bool& value) { value = coin(); }
+    void fill(kestrel::ContactPriority& value) { value = static_cast<kestrel::ContactPriority>(upTo(11)); }
     void fill(Date& value) {
         value = Date(static_cast<double>(upTo(800'000'000)) + static_cast<double>(upTo(1000)) / 1000);
     }
@@ -68,25 +68,53 @@ class Chance {
 
 }  // namespace
 
-std::vector<kestrel::Opportunity> sampleOpportunities(std::size_t count) {
-    std::vector<kestrel::Opportunity> values;
+std::vector<kestrel::Contact> sampleContacts(std::size_t count) {
+    std::vector<kestrel::Contact> values;
     values.reserve(count);
     Chance chance(20'010'101);
     for (std::size_t i = 0; i < count; ++i) {
-        kestrel::Opportunity value{.opportunityID = static_cast<std::int64_t>(i) + 1};
-#define FILL(member) chance.fill(value.member);
-        OPPORTUNITY_PLAIN_FIELDS(FILL)
+        kestrel::Contact value{.contactID = static_cast<std::int64_t>(i) + 1};
+#define FILL(member) chance.fill(writable(value.member));
+        CONTACT_PLAIN_FIELDS(FILL)
 #undef FILL
-        for (auto team = chance.upTo(4); team > 0; --team) {
+        for (auto team = chance.upTo(3); team > 0; --team) {
             value.permissions.giveReadAccess(chance.upTo(40) + 1);
             value.permissions.giveWriteAccess(chance.upTo(40) + 1);
         }
         if (chance.coin()) {
             value.category = kestrel::Category{.categoryID = chance.upTo(9) + 1, .name = "Key account", .order = 3};
         }
+        for (auto left = chance.upTo(4); left > 0; --left) {
+            kestrel::AnyElectronicAddress address{.electronicAddressID = chance.upTo(100'000)};
+            address.address = "person" + std::to_string(chance.upTo(100'000)) + "@example.org";
+            address.kind = chance.coin() ? kestrel::ElectronicAddressKind::email : kestrel::ElectronicAddressKind::url;
+            value.electronicAddresses.push_back(std::move(address));
+        }
+        for (auto left = chance.upTo(3); left > 0; --left) {
+            kestrel::GeoAddress address{.geoAddressID = chance.upTo(100'000)};
+            chance.fill(address.city);
+            chance.fill(address.street);
+            address.country = "Schweiz";
+            value.geoAddresses.push_back(std::move(address));
+        }
+        for (auto left = chance.upTo(3); left > 0; --left)
+            value.keywords.push_back({.keywordID = chance.upTo(100), .name = "newsletter", .order = 7});
+        for (auto left = chance.upTo(4); left > 0; --left)
+            value.phones.push_back({.phoneID = chance.upTo(100'000), .number = "+41 44 668 18 00"});
         values.push_back(std::move(value));
     }
     return values;
+}
+
+unsigned lookUp(std::string_view name) {
+    static const auto table = [] {
+        std::unordered_map<std::string_view, unsigned> map;
+        for (unsigned i = 0; i < memberCount; ++i)
+            map.emplace(memberNames[i], i);
+        return map;
+    }();
+    const auto found = table.find(name);
+    return found == table.end() ? static_cast<unsigned>(memberCount) : found->second;
 }
 
 namespace {
