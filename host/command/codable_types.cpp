@@ -34,23 +34,6 @@
 #include <cstdint>
 
 namespace kestrel::host {
-
-/// A boolean as an element: a standard vector of plain ones has no references to them.
-struct BoolElement {
-    using Coded = void;
-    bool value{};
-};
-
-}  // namespace kestrel::host
-
-template <>
-struct kestrel::Codec<kestrel::host::BoolElement> {
-    static bool encode(JSONWriter& writer, const host::BoolElement& element) { return writer.write(element.value); }
-    static bool decode(JSONReader& reader, host::BoolElement& element) { return reader.read(element.value); }
-    static host::BoolElement blank() { return {}; }
-};
-
-namespace kestrel::host {
 namespace {
 
 template <class T>
@@ -76,7 +59,7 @@ Recoded recode(std::string_view document, const CodingOptions& options) {
 class TypeTable {
   public:
     TypeTable() {
-        add<bool, BoolElement>("Bool");
+        add<bool>("Bool");
         add<Data>("Data");
         add<Date>("Date");
         add<double>("Double");
@@ -152,9 +135,9 @@ class TypeTable {
     [[nodiscard]] const std::vector<CodableType>& types() const { return types_; }
 
   private:
-    template <class T, class Element = T>
+    template <class T>
     void add(std::string name) {
-        types_.push_back({.name = std::move(name), .value = &recode<T>, .array = &recode<std::vector<Element>>});
+        types_.push_back({.name = std::move(name), .value = &recode<T>, .array = &recode<std::vector<T>>});
     }
     std::vector<CodableType> types_;
 };

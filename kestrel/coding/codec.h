@@ -267,8 +267,18 @@ bool decodeValue(JSONReader& reader, std::vector<T>& values) {
             const std::size_t left = reader.remaining() / (read / values.size() + 1);
             values.reserve(values.size() + std::min(left + left / 16 + 1, values.size() * 4));
         }
-        if (!decodeValue(reader, values.emplace_back(BlankMaker<T>{}))) {
-            reader.prependIndex(values.size() - 1);
+        const std::size_t index = values.size();
+        bool isDecoded = false;
+        if constexpr (std::is_same_v<T, bool>) {
+            // A vector of booleans has no booleans to decode into.
+            bool value = false;
+            isDecoded = decodeValue(reader, value);
+            values.push_back(value);
+        } else {
+            isDecoded = decodeValue(reader, values.emplace_back(BlankMaker<T>{}));
+        }
+        if (!isDecoded) {
+            reader.prependIndex(index);
             return false;
         }
         switch (reader.nextElement()) {

@@ -298,10 +298,10 @@ bool encodeFields(JSONWriter& writer, const T& value) {
                           __attribute__((always_inline)) {
                               if constexpr (isOptional<M>) {
                                   if (!member) return false;
-                                  writer.key(commaKey);
+                                  writer.readyKey(commaKey);
                                   if (encodeValue(writer, *member)) return false;
                               } else {
-                                  writer.key(commaKey);
+                                  writer.readyKey(commaKey);
                                   if (encodeValue(writer, member)) return false;
                               }
                               writer.prependKey(Table::keys[I]);

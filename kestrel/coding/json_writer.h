@@ -42,17 +42,18 @@ class JSONWriter {
     bool write(const Data& value);
     void writeNull() { append("null"); }
 
-    // Objects and arrays. A member is its key, as the ready text `,"key":`, and then its value; an element is a comma
-    // and then its value. Closing puts the opening character over the first comma.
+    // Objects and arrays. A member is its key and then its value; an element is a comma and then its value. Closing puts
+    // the opening character over the first comma.
     [[nodiscard]] std::size_t open() const noexcept { return static_cast<std::size_t>(cursor_ - buffer_->data()); }
+    /// A key as the ready text `,"key":`.
     template <std::size_t N>
-    [[gnu::always_inline]] void key(const char (&commaKeyColon)[N]) {
+    [[gnu::always_inline]] void readyKey(const char (&commaKeyColon)[N]) {
         constexpr std::size_t length = N - 1;
         reserve(length);
         std::memcpy(cursor_, commaKeyColon, length);
         cursor_ += length;
     }
-    /// A key that is not known before the program runs, already plain enough to stand in quotes as it is.
+    /// A key that is plain enough to stand in quotes as it is.
     void key(std::string_view plainKey);
     void element() {
         reserve(1);

@@ -3,6 +3,7 @@
 #include <kestrel/coding/json.h>
 
 #include <algorithm>
+#include <numeric>
 #include <random>
 #include <string>
 #include <tuple>
@@ -108,11 +109,15 @@ std::vector<ActivityItem> recentByRule(const ActivitySummary& summary, const std
     gather(summary.tasks.recentlyCreatedWithoutDueDates, task);
     gather(summary.timeblocks.recent, [](const auto& item) { return ActivityItem::timeblock(item); });
     std::erase_if(items, [](const ActivityItem& item) { return !item.date(); });
-    std::ranges::stable_sort(items, [](const ActivityItem& a, const ActivityItem& b) {
-        return std::tuple(*a.date(), a.id()) < std::tuple(*b.date(), b.id());
+    std::vector<std::size_t> order(items.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::ranges::sort(order, [&](std::size_t a, std::size_t b) {
+        return std::tuple(*items[a].date(), items[a].id(), a) < std::tuple(*items[b].date(), items[b].id(), b);
     });
-    const auto kept = std::min(items.size(), static_cast<std::size_t>(summary.limit));
-    return {items.rbegin(), items.rbegin() + static_cast<std::ptrdiff_t>(kept)};
+    std::vector<ActivityItem> newest;
+    for (auto at = order.rbegin(); at != order.rend() && std::ssize(newest) < summary.limit; ++at)
+        newest.push_back(items[*at]);
+    return newest;
 }
 
 TEST(ASummary, givesTheNewestItemsOfAllKindsAsTheRuleSays) {

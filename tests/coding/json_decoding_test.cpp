@@ -276,4 +276,13 @@ TEST(Arrays, ofAnyLengthComeBack) {
               (std::vector<std::optional<std::int64_t>>{1, std::nullopt}));
 }
 
+TEST(Arrays, ofBooleansComeBack) {
+    const std::vector<bool> values{true, false, true};
+    EXPECT_EQ(encodeJSON(values), "[true,false,true]");
+    EXPECT_EQ(decodeJSON<std::vector<bool>>("[true,false,true]"), values);
+    const auto wrong = decodeJSON<std::vector<bool>>("[true,1]");
+    ASSERT_FALSE(wrong.has_value());
+    EXPECT_EQ(wrong.error().codingPath, (CodingPath{1UL}));
+}
+
 }  // namespace
