@@ -76,6 +76,11 @@ def wrapped(items, indent="    ", width=120):
     return lines + [line.rstrip()]
 
 
+def copyright_line(folder):
+    licence = (pathlib.Path(folder) / "LICENSE").read_text(encoding="utf-8")
+    return re.search(r"Copyright © .*", licence)[0].strip()
+
+
 def main(names_folder, core_folder):
     names_folder, core_folder = pathlib.Path(names_folder), pathlib.Path(core_folder)
     package = json.loads((names_folder / "package.json").read_text("utf-8"))
@@ -113,6 +118,9 @@ def main(names_folder, core_folder):
     patterns, layouts, rows, keys = [], [], [], []
     for locale in sorted(own):
         names = data[locale]
+        # The formatter joins initials by what stands between the two.
+        if not re.fullmatch(r"\{0\}[^{}]*\{1\}", names["initialSequence"]) or names["initial"].count("{0}") != 1:
+            sys.exit(f"{locale}: initials of an unknown form")
         layout = tuple(once(patterns, alternatives(names, locale, *slot)) for slot in slots())
         row = (" ".join(names["givenFirst"]).replace("_", "-"), " ".join(names["surnameFirst"]).replace("_", "-"),
                names["initial"], names["initialSequence"], names["nativeSpaceReplacement"],
@@ -140,7 +148,7 @@ def main(names_folder, core_folder):
            and (len(tag) == 2 or entry["_reason"] != "overlong")}
 
     out = []
-    out += ["// Copyright © 1991-2025 Unicode, Inc.",
+    out += ["// " + copyright_line(names_folder),
             "// SPDX-License-Identifier: Unicode-3.0",
             "//",
             f"// Written by scripts/update-person-names from {package['name']} {package['version']} and cldr-core of the same release. The",

@@ -96,12 +96,12 @@ concept AuthorizedAccess = requires(const Record& record) {
     { record.permissions() } -> std::convertible_to<const Permissions&>;
 };
 
-/// The permissions of either form.
-[[nodiscard]] const Permissions& permissionsOf(const AuthorizedAccess auto& record) {
+/// The permissions of either form: what the record gives, by reference or by value.
+[[nodiscard]] decltype(auto) permissionsOf(const AuthorizedAccess auto& record) {
     if constexpr (requires { record.permissions(); }) {
         return record.permissions();
     } else {
-        return record.permissions;
+        return (record.permissions);
     }
 }
 

@@ -24,8 +24,8 @@
 
 namespace kestrel {
 
-// What lists of a record's activity show: each item wraps a whole record, which does not change any more, and offers
-// the handful of its fields that such a list needs under stable names.
+// What lists of a record's activity show: each item wraps a whole record and offers the handful of its fields that such a
+// list needs under stable names. The record can be read, and does not change any more.
 
 /// An email in a list of activity.
 struct EmailItem {
@@ -98,7 +98,7 @@ struct FormFieldItem {
     [[nodiscard]] const ObjectID<CustomRecord>& fieldID() const noexcept { return record->id(); }
     /// The definition's name, else the record's own.
     [[nodiscard]] const std::optional<std::string>& name() const noexcept {
-        return definition.get() && (*definition)->name ? (*definition)->name : record->name;
+        return definition && definition->name ? definition->name : record->name;
     }
     /// The value as a text to show.
     [[nodiscard]] const std::optional<std::string>& displayString() const noexcept {

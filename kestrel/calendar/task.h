@@ -67,11 +67,11 @@ struct Task {
     std::optional<std::string> repeatByMonths{};
     /// By the n-th weekday.
     std::int64_t repeatByNthDay{};
-    /// How often it occurs; 0 without such an end.
+    /// How often it occurs.
     std::int64_t repeatCount{};
     /// Until when it occurs.
     std::optional<Date> repeatEndDate{};
-    /// The frequency's code; 0 when it does not repeat.
+    /// The frequency's code.
     std::int64_t repeatFrequency{};
     /// Every n-th period.
     std::int64_t repeatInterval{};

@@ -42,8 +42,8 @@ class JSONWriter {
     bool write(const Data& value);
     void writeNull() { append("null"); }
 
-    // Objects and arrays. A member is its key and then its value; an element is a comma and then its value. Closing puts
-    // the opening character over the first comma.
+    // Objects and arrays. A member is its key and then its value; an element is a comma and then its value. Closing
+    // puts the opening character over the first comma.
     [[nodiscard]] std::size_t open() const noexcept { return static_cast<std::size_t>(cursor_ - buffer_->data()); }
     /// A key as the ready text `,"key":`.
     template <std::size_t N>

@@ -4,10 +4,10 @@
 namespace kestrel {
 
 KESTREL_FIELDS(EmailAddress, electronicAddressID, address, createDate, deletionDate, deletionIdentifier, deletionUserID,
-               label, modifyDate);
+               label, modifyDate, serviceName);
 
 KESTREL_FIELDS(URLAddress, electronicAddressID, address, createDate, deletionDate, deletionIdentifier, deletionUserID,
-               label, modifyDate);
+               label, modifyDate, serviceName);
 
 KESTREL_FIELDS(SocialProfile, electronicAddressID, address, createDate, deletionDate, deletionIdentifier,
                deletionUserID, label, modifyDate, serviceName);
@@ -27,7 +27,8 @@ AnyElectronicAddress entryOf(const View& view, ElectronicAddressKind kind) {
             .deletionUserID = view.deletionUserID,
             .kind = kind,
             .label = view.label,
-            .modifyDate = view.modifyDate};
+            .modifyDate = view.modifyDate,
+            .serviceName = view.serviceName};
 }
 
 template <class View>
@@ -40,7 +41,8 @@ std::optional<View> viewOf(const AnyElectronicAddress& entry, ElectronicAddressK
                 .deletionIdentifier = entry.deletionIdentifier,
                 .deletionUserID = entry.deletionUserID,
                 .label = entry.label,
-                .modifyDate = entry.modifyDate};
+                .modifyDate = entry.modifyDate,
+                .serviceName = entry.serviceName};
 }
 
 }  // namespace
@@ -54,9 +56,7 @@ AnyElectronicAddress AnyElectronicAddress::from(const URLAddress& address) {
 }
 
 AnyElectronicAddress AnyElectronicAddress::from(const SocialProfile& profile) {
-    AnyElectronicAddress entry = entryOf(profile, Kind::socialProfile);
-    entry.serviceName = profile.serviceName;
-    return entry;
+    return entryOf(profile, Kind::socialProfile);
 }
 
 std::optional<EmailAddress> AnyElectronicAddress::email() const {
@@ -68,9 +68,7 @@ std::optional<URLAddress> AnyElectronicAddress::url() const {
 }
 
 std::optional<SocialProfile> AnyElectronicAddress::socialProfile() const {
-    auto profile = viewOf<SocialProfile>(*this, Kind::socialProfile);
-    if (profile) profile->serviceName = serviceName;
-    return profile;
+    return viewOf<SocialProfile>(*this, Kind::socialProfile);
 }
 
 }  // namespace kestrel

@@ -35,6 +35,8 @@ struct EmailAddress {
     std::optional<AnyLabel> label{};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};
+    /// Of use for social profiles only, but kept as it is stored.
+    std::optional<std::string> serviceName{};
 
     [[nodiscard]] const ObjectID<AnyElectronicAddress>& objectID() const noexcept { return electronicAddressID.get(); }
     [[nodiscard]] const ObjectID<AnyElectronicAddress>& id() const noexcept { return electronicAddressID.get(); }
@@ -61,6 +63,8 @@ struct URLAddress {
     std::optional<AnyLabel> label{};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};
+    /// Of use for social profiles only, but kept as it is stored.
+    std::optional<std::string> serviceName{};
 
     [[nodiscard]] const ObjectID<AnyElectronicAddress>& objectID() const noexcept { return electronicAddressID.get(); }
     [[nodiscard]] const ObjectID<AnyElectronicAddress>& id() const noexcept { return electronicAddressID.get(); }

@@ -1,4 +1,5 @@
 #include <kestrel/foundation/attributed_string.h>
+#include <kestrel/foundation/unicode.h>
 
 #include <algorithm>
 #include <utility>
@@ -7,33 +8,11 @@ namespace kestrel {
 
 namespace {
 
-/// A code point starts at every byte that does not continue one; so does whatever follows the end of one.
-bool isStart(char byte) noexcept {
-    return (static_cast<unsigned char>(byte) & 0xc0U) != 0x80U;
-}
-
-/// Walks over code points. Continuation bytes beyond those that the lead byte announces count for themselves.
-std::size_t skipCodePoint(std::string_view text, std::size_t at) noexcept {
-    const auto lead = static_cast<unsigned char>(text[at]);
-    const std::size_t announced = lead >= 0xf0 ? 4 : lead >= 0xe0 ? 3 : lead >= 0xc0 ? 2 : 1;
-    std::size_t end = at + 1;
-    while (end < text.size() && end < at + announced && !isStart(text[end]))
-        ++end;
-    return end;
-}
-
-std::size_t countCodePoints(std::string_view text) noexcept {
-    std::size_t count = 0;
-    for (std::size_t at = 0; at < text.size(); at = skipCodePoint(text, at))
-        ++count;
-    return count;
-}
-
 /// The byte at which that code point starts; the text's size beyond the end.
 std::size_t byteOffset(std::string_view text, std::size_t codePoints) noexcept {
     std::size_t at = 0;
     while (codePoints > 0 && at < text.size()) {
-        at = skipCodePoint(text, at);
+        at += codePointAt(text, at).size;
         --codePoints;
     }
     return at;
@@ -56,20 +35,31 @@ std::string_view AttributedString::substring(Range range) const noexcept {
 }
 
 void AttributedString::append(std::string_view text, const TextAttributes& attributes) {
-    const std::size_t start = length_;
-    // A text that was cut within a code point is made whole by what is appended to it: counted anew.
-    const bool joins = !text_.empty() && !text.empty() && !isStart(text.front());
-    text_ += text;
-    length_ = joins ? countCodePoints(text_) : length_ + countCodePoints(text);
-    if (length_ > start) appendRun({start, length_ - start}, attributes);
+    std::string added;
+    added.reserve(text.size());
+    std::size_t count = 0;
+    for (std::size_t at = 0; at < text.size(); ++count) {
+        const CodePoint next = codePointAt(text, at);
+        if (next.value == U'\uFFFD' && next.size == 1) {
+            added += "\uFFFD";
+        } else {
+            added += text.substr(at, next.size);
+        }
+        at += next.size;
+    }
+    const Range range{length_, count};
+    text_ += added;
+    length_ += count;
+    if (count > 0) appendRun(range, attributes);
 }
 
 void AttributedString::append(const AttributedString& other) {
     if (&other == this) return append(AttributedString(other));
     const std::size_t start = length_;
-    append(other.text_);
+    text_ += other.text_;
+    length_ += other.length_;
     for (const Run& run : other.runs_)
-        setAttributes({start + run.range.start, run.range.length}, run.attributes);
+        appendRun({start + run.range.start, run.range.length}, run.attributes);
 }
 
 void AttributedString::setAttributes(Range range, const TextAttributes& attributes) {

@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace kestrel {
@@ -37,8 +38,8 @@ struct TextAttributes {
     friend bool operator==(const TextAttributes&, const TextAttributes&) = default;
 };
 
-/// Text with attributes over parts of it. Positions and lengths count code points; the text is UTF-8, and a byte that
-/// is no part of a code point counts as one.
+/// Text with attributes over parts of it. Positions and lengths count code points. The text is UTF-8: of what is given
+/// every byte that is part of no code point becomes U+FFFD.
 ///
 /// The runs are kept in one form: in order, apart from each other, not empty, none of them plain, and neighbours that
 /// look alike are one. So two values are equal when their texts are, and every code point carries the same attributes.
@@ -67,20 +68,36 @@ class AttributedString {
     explicit AttributedString(std::string_view text, const TextAttributes& attributes = {}) {
         append(text, attributes);
     }
+    AttributedString(const AttributedString&) = default;
+    AttributedString& operator=(const AttributedString&) = default;
+    AttributedString(AttributedString&& other) noexcept
+        : text_(std::exchange(other.text_, {})),
+          length_(std::exchange(other.length_, 0)),
+          runs_(std::exchange(other.runs_, {})) {}
+    AttributedString& operator=(AttributedString&& other) noexcept {
+        text_ = std::exchange(other.text_, {});
+        length_ = std::exchange(other.length_, 0);
+        runs_ = std::exchange(other.runs_, {});
+        return *this;
+    }
+    ~AttributedString() = default;
 
     [[nodiscard]] const std::string& text() const noexcept { return text_; }
     /// In code points.
     [[nodiscard]] std::size_t length() const noexcept { return length_; }
     [[nodiscard]] bool isEmpty() const noexcept { return text_.empty(); }
+    /// In order. Valid until the value changes.
     [[nodiscard]] std::span<const Run> runs() const noexcept { return runs_; }
     /// The attributes of one code point; plain beyond the end. Logarithmic in the number of runs.
     [[nodiscard]] TextAttributes attributesAt(std::size_t position) const;
-    /// The text of a range, cut off at the end. Linear in the text.
+    /// The text of a range, cut off at the end. Valid until the value changes. Linear in the text.
     [[nodiscard]] std::string_view substring(Range range) const noexcept;
 
+    /// Linear in what is appended.
     void append(std::string_view text, const TextAttributes& attributes = {});
     void append(const AttributedString& other);
-    /// Gives a range these attributes instead of those that it had. What lies beyond the end is left out.
+    /// Gives a range these attributes instead of those that it had. What lies beyond the end is left out. Linear in the
+    /// number of runs; at once where the range lies behind the last of them.
     void setAttributes(Range range, const TextAttributes& attributes);
 
     friend bool operator==(const AttributedString&, const AttributedString&) = default;

@@ -52,7 +52,8 @@ consteval std::size_t countCases() {
 template <class E>
 concept Enumeration = std::is_enum_v<E>;
 
-/// Every case, by ascending raw value, which is the order of declaration.
+/// Every case, by ascending raw value: the order of declaration but for enumerations that declare theirs in another
+/// one.
 template <Enumeration E>
 inline constexpr auto allCases = [] {
     std::array<E, enumeration_detail::countCases<E>()> cases{};

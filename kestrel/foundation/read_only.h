@@ -11,12 +11,16 @@ class CodingAccess;
 /// A member that callers read and only its owner replaces.
 ///
 /// A record's identifier is declared `ReadOnly<ObjectID<Contact>, Contact> contactID;`. It is initialised from a plain
-/// value and reads as one. Assigning to it does not compile outside `Owner`, yet whole records still copy, move, swap
-/// and sort, because their implicit assignment is the owner's own.
+/// value and reads as one, an optional value as an optional. Assigning to it does not compile outside `Owner`, yet
+/// whole records still copy, move, swap and sort, because their implicit assignment is the owner's own.
 template <class T, class Owner>
 class ReadOnly {
   public:
     using Value = T;
+    static constexpr bool isOptional = requires(const T& value) {
+        value.has_value();
+        typename T::value_type;
+    };
 
     // NOLINTNEXTLINE(google-explicit-constructor): an initialiser gives the plain value.
     constexpr ReadOnly(T value) : value_(std::move(value)) {}
@@ -36,8 +40,31 @@ class ReadOnly {
     // NOLINTNEXTLINE(google-explicit-constructor): reads as the plain value.
     [[nodiscard]] constexpr operator const T&() const noexcept { return value_; }
     [[nodiscard]] constexpr const T& get() const noexcept { return value_; }
-    [[nodiscard]] constexpr const T& operator*() const noexcept { return value_; }
-    [[nodiscard]] constexpr const T* operator->() const noexcept { return &value_; }
+    /// The value; of an optional, what it holds.
+    [[nodiscard]] constexpr const auto& operator*() const noexcept {
+        if constexpr (isOptional) {
+            return *value_;
+        } else {
+            return value_;
+        }
+    }
+    [[nodiscard]] constexpr const auto* operator->() const noexcept { return &**this; }
+    [[nodiscard]] constexpr explicit operator bool() const noexcept
+        requires(isOptional)
+    {
+        return value_.has_value();
+    }
+    [[nodiscard]] constexpr bool has_value() const noexcept
+        requires(isOptional)
+    {
+        return value_.has_value();
+    }
+    template <class U>
+    [[nodiscard]] constexpr auto value_or(U&& otherwise) const
+        requires(isOptional)
+    {
+        return value_.value_or(std::forward<U>(otherwise));
+    }
 
     friend constexpr bool operator==(const ReadOnly& a, const ReadOnly& b) { return a.value_ == b.value_; }
     friend constexpr bool operator==(const ReadOnly& a, const T& b) { return a.value_ == b; }

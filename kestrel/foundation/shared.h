@@ -21,6 +21,7 @@ class Shared {
     /// Null when it was moved from.
     [[nodiscard]] const T* get() const noexcept { return value_.get(); }
 
+    friend bool operator==(const Shared& a, const T& b) { return a.value_ != nullptr && *a.value_ == b; }
     friend bool operator==(const Shared& a, const Shared& b) {
         return a.value_ == b.value_ || (a.value_ != nullptr && b.value_ != nullptr && *a.value_ == *b.value_);
     }

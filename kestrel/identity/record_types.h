@@ -110,7 +110,7 @@ inline constexpr std::string_view entityNameOf = [] {
     }
 }();
 
-/// A record: it has its two names, and an identifier of its own type.
+/// A record: it has its two names and an identifier.
 template <class T>
 concept BaseRecord = requires(const T& record) {
     { T::recordName } -> std::convertible_to<std::string_view>;

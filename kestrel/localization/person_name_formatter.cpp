@@ -1,3 +1,4 @@
+#include <kestrel/foundation/unicode.h>
 #include <kestrel/localization/person_name_formatter.h>
 #include <kestrel/localization/person_name_patterns.h>
 #include <kestrel/localization/resource_bundle.h>
@@ -25,28 +26,6 @@ using enum PersonNameOrder;
 
 // ---- Characters ----
 
-struct CodePoint {
-    char32_t value;
-    std::size_t size;
-};
-
-// The code point at a position; a byte that is no part of one counts as U+FFFD.
-CodePoint codePointAt(std::string_view text, std::size_t position) {
-    const auto byte = [&](std::size_t offset) -> std::uint32_t {
-        return position + offset < text.size() ? static_cast<unsigned char>(text[position + offset]) : 0U;
-    };
-    const std::uint32_t lead = byte(0);
-    if (lead < 0x80) return {static_cast<char32_t>(lead), 1};
-    const std::size_t size = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-    std::uint32_t value = lead & (0xFFU >> (size + 1));
-    for (std::size_t i = 1; i < size; ++i) {
-        if ((byte(i) & 0xC0U) != 0x80U) return {U'\uFFFD', 1};
-        value = value << 6U | (byte(i) & 0x3FU);
-    }
-    if (lead < 0xC2 || lead > 0xF4 || value > 0x10FFFF) return {U'\uFFFD', 1};
-    return {static_cast<char32_t>(value), size};
-}
-
 UChar32 forICU(char32_t c) {
     return static_cast<UChar32>(c);
 }
@@ -55,34 +34,13 @@ bool isASCII(std::string_view text) {
     return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
-bool isSpace(char32_t c) {
-    if (c < 0x80) return c == U' ' || (U'\t' <= c && c <= U'\r');
-    return c == 0x85 || c == 0xA0 || c == 0x1680 || (0x2000 <= c && c <= 0x200A) || c == 0x2028 || c == 0x2029 ||
-           c == 0x202F || c == 0x205F || c == 0x3000;
-}
-
-// Without the white space at both ends.
-std::string_view trimmed(std::string_view text) {
-    std::size_t begin = text.size();
-    std::size_t end = 0;
-    for (std::size_t at = 0; at < text.size();) {
-        const auto [c, size] = codePointAt(text, at);
-        if (!isSpace(c)) {
-            begin = std::min(begin, at);
-            end = at + size;
-        }
-        at += size;
-    }
-    return end == 0 ? std::string_view{} : text.substr(begin, end - begin);
-}
-
 // Appends a text with another in the place of each sequence of white space; when that is a space, only longer sequences
 // change: the first of them stays.
 void appendWithSpaces(std::string& out, std::string_view text, std::string_view replacement) {
     bool inSpace = false;
     for (std::size_t at = 0; at < text.size();) {
         const auto [c, size] = codePointAt(text, at);
-        const bool space = isSpace(c);
+        const bool space = isWhiteSpace(c);
         if (!space)
             out.append(text, at, size);
         else if (!inSpace)
@@ -119,6 +77,12 @@ const Entry* find(std::span<const Entry> table, std::string_view Entry::* key, s
     return found != table.end() && (*found).*key == wanted ? &*found : nullptr;
 }
 
+/// Whether anything is known of a language by itself.
+bool isKnownLanguage(std::string_view language) {
+    return find(personNameRules, &PersonNameRulesKey::locale, language) != nullptr ||
+           find(likelyScripts, &SubtagPair::from, language) != nullptr;
+}
+
 Tag parseTag(std::string_view text) {
     std::string_view modifier;
     if (const auto at = text.find('@'); at != std::string_view::npos) {
@@ -139,7 +103,8 @@ Tag parseTag(std::string_view text) {
             if (!letters || subtag.size() < 2 || subtag.size() > 8) return tag;
             if (subtag != "root") tag.language = std::move(subtag);
         } else if (letters && subtag.size() == 3 && tag.script.empty() && tag.region.empty()) {
-            tag.language = std::move(subtag);  // "zh-yue": the second names the language alone
+            // "zh-yue": the second names the language alone. Others, such as the country of "de-DEU", say nothing here.
+            if (isKnownLanguage(subtag)) tag.language = std::move(subtag);
         } else if (letters && subtag.size() == 4 && tag.script.empty() && tag.region.empty()) {
             subtag.front() = upper(subtag.front());
             tag.script = std::move(subtag);
@@ -253,11 +218,13 @@ PersonNameOrder orderOf(const Tag& tag, const PersonNameRules& rules) {
 class Values {
   public:
     explicit Values(const PersonName& name)
-        : plain_{trimmed(name.title),    trimmed(name.given),      trimmed(name.given2),     trimmed(name.surname),
-                 trimmed(name.surname2), trimmed(name.generation), trimmed(name.credentials)},
-          informal_(trimmed(name.givenInformal)),
-          prefix_(trimmed(name.surnamePrefix)),
-          core_(trimmed(name.surnameCore)) {
+        : plain_{trimmedWhiteSpace(name.title),      trimmedWhiteSpace(name.given),
+                 trimmedWhiteSpace(name.given2),     trimmedWhiteSpace(name.surname),
+                 trimmedWhiteSpace(name.surname2),   trimmedWhiteSpace(name.generation),
+                 trimmedWhiteSpace(name.credentials)},
+          informal_(trimmedWhiteSpace(name.givenInformal)),
+          prefix_(trimmedWhiteSpace(name.surnamePrefix)),
+          core_(trimmedWhiteSpace(name.surnameCore)) {
         auto& surname = plain_[index(Field::surname)];
         if (core_.empty()) {
             prefix_ = {};
@@ -580,8 +547,8 @@ bool isWordCharacter(char32_t c) {
 
 // The dash and the full stop divide words as white space does.
 bool dividesWords(char32_t c) {
-    if (c < 0x80) return c == U'-' || c == U'.' || isSpace(c);
-    return isSpace(c) || u_charType(forICU(c)) == U_DASH_PUNCTUATION;
+    if (c < 0x80) return c == U'-' || c == U'.' || isWhiteSpace(c);
+    return isWhiteSpace(c) || u_charType(forICU(c)) == U_DASH_PUNCTUATION;
 }
 
 // From the first letter or digit on; everything where there is none.
@@ -610,7 +577,7 @@ std::vector<Word> wordsOf(std::string_view text) {
         const auto [c, size] = codePointAt(text, at);
         if (dividesWords(c)) {
             inWord = false;
-            if (c == U'-' || (c >= 0x80 && !isSpace(c)))
+            if (c == U'-' || (c >= 0x80 && !isWhiteSpace(c)))
                 dash = text.substr(at, size);
             else
                 dash = {};
@@ -636,18 +603,10 @@ std::vector<Word> wordsOf(std::string_view text) {
     return words;
 }
 
-// Fills "{0}" and "{1}" in.
-std::string filled(std::string_view pattern, std::string_view first, std::string_view second = {}) {
-    std::string text;
-    for (std::size_t at = 0; at < pattern.size();) {
-        if (pattern.substr(at).starts_with("{0}") || pattern.substr(at).starts_with("{1}")) {
-            text += pattern[at + 1] == '0' ? first : second;
-            at += 3;
-        } else {
-            text += pattern[at++];
-        }
-    }
-    return text;
+// Fills "{0}" in.
+std::string filled(std::string_view pattern, std::string_view value) {
+    const std::size_t at = pattern.find("{0}");
+    return std::string(pattern.substr(0, at)).append(value).append(pattern.substr(at + 3));
 }
 
 std::string allCapitals(std::string_view text, std::string_view language) {
@@ -695,6 +654,8 @@ std::string initialCapital(std::string_view text, std::string_view language) {
 }
 
 std::string initials(std::string_view text, bool retain, const PersonNameRules& rules) {
+    // What stands between two: the sequence is "{0}", that, and "{1}".
+    const std::string_view separator = rules.initialSequence.substr(3, rules.initialSequence.size() - 6);
     std::string result;
     for (const auto& word : wordsOf(text)) {
         const auto initial = filled(rules.initial, firstLetter(word.text));
@@ -703,7 +664,7 @@ std::string initials(std::string_view text, bool retain, const PersonNameRules& 
         else if (retain && !word.dash.empty())
             result.append(word.dash).append(initial);
         else
-            result = filled(rules.initialSequence, result, initial);
+            result.append(separator).append(initial);
     }
     return result;
 }
@@ -720,7 +681,7 @@ std::string coalesced(std::string_view a, std::string_view b) {
     if (b.empty() || a.ends_with(b)) return std::string{a};
     // A sign that belongs to the second field, such as a comma, takes the place of what led to the lost one; a sign
     // that belongs to the first field stays with it.
-    if (!isSpace(codePointAt(b, 0).value)) a = a.substr(0, std::min(a.find(' '), a.size()));
+    if (!isWhiteSpace(codePointAt(b, 0).value)) a = a.substr(0, std::min(a.find(' '), a.size()));
     std::string text;
     appendWithSpaces(text, std::string{a}.append(b), " ");
     return text;

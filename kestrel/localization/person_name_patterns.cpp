@@ -1,4 +1,4 @@
-// Copyright © 1991-2025 Unicode, Inc.
+// Copyright © 2004-2026 Unicode, Inc.
 // SPDX-License-Identifier: Unicode-3.0
 //
 // Written by scripts/update-person-names from cldr-person-names-full 48.2.0 and cldr-core of the same release. The

@@ -9,8 +9,8 @@
 
 namespace kestrel::localization {
 
-// The data behind PersonNameFormatter, written by scripts/update-person-names. All tables are sorted by their first
-// member.
+// The data behind PersonNameFormatter, written by scripts/update-person-names. Tables that are looked up by a
+// text are sorted by it.
 
 /// Which pattern serves which order, length, usage and formality, as indices into `personNamePatterns`: 18 for given
 /// name first, 18 for family name first, 6 for sorting. Within an order the lengths come long, medium, short, within a

@@ -142,6 +142,7 @@ struct Contact {
     /// The first role that is marked as the default; without one the first role at a company; else null. It points into
     /// `roles`.
     [[nodiscard]] static const ContactRole* defaultRole(std::span<const ContactRole> roles);
+    static const ContactRole* defaultRole(std::vector<ContactRole>&& roles) = delete;
     /// The roles with the marks of all roles at companies taken away and, if the role at the index is one at a company,
     /// with that one marked: choosing any other role leaves no company's role marked. Unchanged when the index is out
     /// of range.

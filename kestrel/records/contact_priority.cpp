@@ -1,3 +1,4 @@
+#include <kestrel/foundation/fatal.h>
 #include <kestrel/localization/localized.h>
 #include <kestrel/records/contact_priority.h>
 #include <array>
@@ -20,7 +21,9 @@ std::string displayName(ContactPriority priority) {
         localizable("10 (High)", "Contact Priority"),
     };
     static_assert(texts.size() == allCases<ContactPriority>.size());
-    return localized(texts.at(static_cast<std::size_t>(priority)));
+    const auto index = static_cast<std::size_t>(priority);
+    if (index >= texts.size()) fatal("A contact has a priority that is none.");
+    return localized(texts[index]);
 }
 
 }  // namespace kestrel

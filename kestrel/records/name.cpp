@@ -1,4 +1,5 @@
 #include <kestrel/coding/wire_form.h>
+#include <kestrel/foundation/unicode.h>
 #include <kestrel/localization/person_name_formatter.h>
 #include <kestrel/records/name.h>
 
@@ -12,11 +13,12 @@ KESTREL_FIELDS(Name, prefix, first, middle, last, suffix, nickname, alias);
 
 namespace {
 
-// The chosen parts that have a text.
+// The chosen parts that have a text, without white space around it.
 struct Parts {
     Parts(const Name& name, NameComponents components) {
         const auto take = [&](NamePart part, NameComponents component, const std::optional<std::string>& text) {
-            if (text && components.contains(component)) texts[static_cast<std::size_t>(part)] = *text;
+            if (text && components.contains(component))
+                texts[static_cast<std::size_t>(part)] = trimmedWhiteSpace(*text);
         };
         take(NamePart::prefix, NameComponents::prefix, name.prefix);
         take(NamePart::first, NameComponents::first, name.first);
@@ -79,9 +81,17 @@ struct Shown {
 Shown shown(const Name& name, NameComponents components, NameStyle style, std::string_view locale) {
     using enum NamePart;
     using Field = PersonNameField;
+    components = components & NameComponents::all;
     Parts parts(name, components);
     if (components != NameComponents::nickname && style != NameStyle::short_) parts.drop(nickname);
     if (components != NameComponents::alias) parts.drop(alias);
+    if (style == NameStyle::short_ || style == NameStyle::medium) {
+        // Some locales have longer patterns for these; but what the styles leave out they leave out everywhere.
+        if (!parts[first].empty() || !parts[last].empty() || !parts[nickname].empty()) {
+            for (const NamePart part : {prefix, middle, suffix})
+                parts.drop(part);
+        }
+    }
     const auto foremost = parts.foremost();
     if (!foremost) return {};
 

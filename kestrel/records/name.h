@@ -37,6 +37,9 @@ struct NameComponents {
     friend constexpr NameComponents operator-(NameComponents a, NameComponents b) noexcept {
         return {a.rawValue & ~b.rawValue};
     }
+    constexpr NameComponents& operator|=(NameComponents other) noexcept { return *this = *this | other; }
+    constexpr NameComponents& operator&=(NameComponents other) noexcept { return *this = *this & other; }
+    constexpr NameComponents& operator-=(NameComponents other) noexcept { return *this = *this - other; }
     friend constexpr bool operator==(NameComponents, NameComponents) = default;
 };
 inline constexpr NameComponents NameComponents::prefix{1U << 0U};
@@ -50,8 +53,8 @@ inline constexpr NameComponents NameComponents::all{(1U << 7U) - 1};
 
 /// How much of a name is shown.
 enum class NameStyle : std::uint8_t {
-    short_ = 0,       ///< as friends say it: the nickname, or the first name: "Ada"
-    medium = 1,       ///< as most people say it, without middle name and suffix: "Ada Lovelace"
+    short_ = 0,       ///< as friends say it, by nickname or first name, with the last name where that is usual: "Ada"
+    medium = 1,       ///< as most people say it, by first and last name: "Ada Lovelace"
     long_ = 2,        ///< every chosen part, unabridged: "Dr. Ada Augusta Lovelace Jr."
     abbreviated = 3,  ///< as a monogram: "AL"
 };

@@ -32,8 +32,9 @@ struct PartialDate {
 
     [[nodiscard]] bool hasYear() const noexcept { return year.has_value(); }
     [[nodiscard]] DateComponents dateComponents() const noexcept { return {.year = year, .month = month, .day = day}; }
-    /// The start of the day in a calendar. Absent unless there is such a day, between the years -9999 and 9999. Without
-    /// a year it is the day in the year 2000, a leap year: of use only to show day and month.
+    /// The start of the day in a calendar. Absent unless the calendar of all zones has such a day, between the years
+    /// -9999 and 9999; where a zone skipped it, the start of the next one. Without a year it is the day in the year
+    /// 2000, a leap year: of use only to show day and month.
     [[nodiscard]] std::optional<Date> date(const Calendar& calendar = Calendar::current()) const;
 
     friend bool operator==(const PartialDate&, const PartialDate&) = default;

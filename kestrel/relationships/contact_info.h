@@ -13,7 +13,7 @@
 namespace kestrel {
 
 /// A user with the contact that stands for that user, if any. The user's members are read through the arrow:
-/// `owner->username`.
+/// `userContact->username`.
 struct UserContact {
     ReadOnly<User, UserContact> user;
     ReadOnly<std::optional<Contact>, UserContact> contact{};

@@ -255,8 +255,8 @@ class ContactRelationship : public Choice<ContactRelationship, ToContactRelation
     }
     /// The contact at the other end.
     [[nodiscard]] const Contact& relatedContact() const noexcept;
-    /// What the related contact is, read in this direction: the type's forward name for `to`, its reverse name for
-    /// `from`; absent without a type.
+    /// The name of the relationship, read from the contact whose list it is in to the related one: the type's forward
+    /// name for `to`, its reverse name for `from`; absent without a type.
     [[nodiscard]] std::optional<std::string> directionalName() const;
     /// The short name in this direction; absent without a type.
     [[nodiscard]] std::optional<std::string> directionalShortName() const;

@@ -26,7 +26,7 @@ struct EditRelationshipType {
     std::optional<std::string> deletionIdentifier{};
     /// Key of the user who deleted it.
     std::optional<std::int64_t> deletionUserID{};
-    /// What the destination is to the source, as shown with the source.
+    /// Read from the source to the destination: "is parent of".
     std::optional<std::string> forwardName{};
     /// Whether it is offered for new relationships.
     bool isActive{true};
@@ -34,7 +34,7 @@ struct EditRelationshipType {
     bool isForCompany{};
     /// May relate contacts.
     bool isForContact{};
-    /// What the source is to the destination, as shown with the destination.
+    /// Read from the destination back to the source: "is child of".
     std::optional<std::string> reverseName{};
     std::optional<std::string> shortForwardName{};
     std::optional<std::string> shortReverseName{};
@@ -64,7 +64,7 @@ struct RelationshipType {
     ReadOnly<std::optional<std::string>, RelationshipType> deletionIdentifier{};
     /// Key of the user who deleted it.
     ReadOnly<std::optional<std::int64_t>, RelationshipType> deletionUserID{};
-    /// What the destination is to the source, as shown with the source.
+    /// Read from the source to the destination: "is parent of".
     ReadOnly<std::optional<std::string>, RelationshipType> forwardName{};
     /// Whether it is offered for new relationships.
     ReadOnly<bool, RelationshipType> isActive{true};
@@ -72,7 +72,7 @@ struct RelationshipType {
     ReadOnly<bool, RelationshipType> isForCompany{};
     /// May relate contacts.
     ReadOnly<bool, RelationshipType> isForContact{};
-    /// What the source is to the destination, as shown with the destination.
+    /// Read from the destination back to the source: "is child of".
     ReadOnly<std::optional<std::string>, RelationshipType> reverseName{};
     ReadOnly<std::optional<std::string>, RelationshipType> shortForwardName{};
     ReadOnly<std::optional<std::string>, RelationshipType> shortReverseName{};

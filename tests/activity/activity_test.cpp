@@ -3,6 +3,7 @@
 #include <kestrel/coding/json.h>
 
 #include <algorithm>
+#include <array>
 #include <numeric>
 #include <random>
 #include <string>
@@ -73,6 +74,10 @@ TEST(AnActivityItem, isOfOneKindAndOrderedByKindAndIdentifier) {
         const auto json = encodeJSON(item);
         ASSERT_TRUE(json.has_value());
         EXPECT_EQ(decodeJSON<ActivityItem>(*json), item);
+        static constexpr std::array caseNames{"email", "fileAttachment", "form",        "note",
+                                              "task",  "timeblock",      "urlReference"};
+        EXPECT_TRUE(json->starts_with("{\"" + std::string(caseNames[i]) + "\":{\"_0\":{")) << *json;
+        EXPECT_TRUE(encodeJSON(item.id())->starts_with("{\"" + std::string(caseNames[i]) + "\":{\"_0\":{"));
         const ActivityItem later = oneOfEach(1, Date(6))[i];
         EXPECT_NE(later, item);
         EXPECT_NE(std::hash<ActivityItem>()(later), std::hash<ActivityItem>()(item));

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 #include <kestrel/activity/email.h>
+#include <kestrel/activity/email_link.h>
 #include <kestrel/activity/note.h>
+#include <kestrel/coding/json.h>
 
 #include <optional>
 #include <string>
@@ -54,6 +56,13 @@ TEST(AnEmail, isADraftByItsStatusCode) {
     EXPECT_TRUE((Email{.emailID = 1, .dmiStatusCode = 20}.isDraft()));
     EXPECT_FALSE((Email{.emailID = 1, .dmiStatusCode = 10}.isDraft()));
     EXPECT_EQ((Email{.emailID = 1, .dmiStatusCode = 5}.dmiStatus()), std::nullopt);
+}
+
+TEST(AnEmail, isLinkedToAContact) {
+    const std::string form = R"({"contact":{"_0":{"recordName":"Contact","primaryKey":3}}})";
+    EXPECT_EQ(encodeJSON(EmailLink::contact(3)), form);
+    EXPECT_EQ(decodeJSON<EmailLink>(form)->contact(), 3);
+    EXPECT_EQ(EmailLinkRecord::contact(Contact{.contactID = 3}).contact()->id(), 3);
 }
 
 TEST(ANote, readsItsBodyOnlyInTheFormItHas) {

@@ -175,7 +175,7 @@ TEST(OpportunityStates, comeFromTheirCodesOnly) {
                                            .stageName = "Won",
                                            .start = Date(3),
                                            .createActivities = true}));
-    EXPECT_TRUE(*options.createActivities && !options.end->has_value() && !options.note->has_value() &&
+    EXPECT_TRUE(*options.createActivities && !options.end && !options.note &&
                 !options.hasCompletedSheet);
 }
 

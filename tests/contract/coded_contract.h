@@ -110,6 +110,22 @@ inline const std::map<std::string, Kind, std::less<>>& kinds() {
             {"customRecord", one("customRecordID", "CustomRecord", R"(,"order":1)")},
             {"customDefinition", one("customRecordDefinitionID", "CustomRecordDefinition",
                                      R"(,"choices":["a"],"isRequired":true,"kind":5,"order":1)")},
+            {"setDefinition",
+             one("customRecordSetDefinitionID", "CustomRecordSetDefinition", R"(,"isActive":true,"order":1)")},
+            {"fields",
+             {R"([{"record":)" + object("customRecordID", "CustomRecord", 3, R"(,"order":1)") + "}]", "[]", "{}"}},
+            {"form", one("customRecordSetID", "Form", R"(,"permissions":)" + unrestricted + R"(,"keywords":[])")},
+            {"note", one("noteID", "Note", R"(,"permissions":)" + unrestricted + R"(,"keywords":[])")},
+            {"email",
+             one("emailID", "Email", R"(,"dmiStatusCode":20,"permissions":)" + unrestricted + R"(,"keywords":[])")},
+            {"file", one("fileAttachmentID", "FileAttachment", R"(,"size":1,"permissions":)" + unrestricted)},
+            {"link", one("urlReferenceID", "URLReference", R"(,"permissions":)" + unrestricted)},
+            {"timeblock",
+             one("timeblockID", "Timeblock",
+                 R"(,"isAllDay":false,"isArchived":false,"kind":8,"repeatByNthDay":0,"repeatCount":0,)"
+                 R"("repeatFrequency":0,"repeatInterval":0,"resendExternalInvitations":false,"showAsBusy":true,)"
+                 R"("status":2,"permissions":)" +
+                     unrestricted + R"(,"keywords":[])")},
             {"task", one("taskID", "Task",
                          R"(,"isSomeday":false,"kind":0,"priority":0,"repeatByNthDay":0,"repeatCount":0,)"
                          R"("repeatFrequency":0,"repeatInterval":0,"status":0,"permissions":)" +

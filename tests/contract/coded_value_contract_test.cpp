@@ -57,10 +57,10 @@ TEST(EveryCodedValue, keepsTheContractOfItsFields) {
 TEST(EveryCodedValue, keepsTheContractOfPeopleAndActivity) {
     using contract::expectCodedAs;
     const std::string view = "electronicAddressID:AnyElectronicAddress address:string? createDate:date?" +
-                             contract::deletion + "label:label? modifyDate:date?";
+                             contract::deletion + "label:label? modifyDate:date? serviceName:string?";
     expectCodedAs<EmailAddress>(view);
     expectCodedAs<URLAddress>(view);
-    expectCodedAs<SocialProfile>(view + " serviceName:string?");
+    expectCodedAs<SocialProfile>(view);
     expectCodedAs<PartialDate>("day:int month:int year:int?");
     expectCodedAs<Name>(
         "prefix:string? first:string? middle:string? last:string? suffix:string? nickname:string? alias:string?");
@@ -77,7 +77,13 @@ TEST(EveryCodedValue, keepsTheContractOfPeopleAndActivity) {
         "forwardName:string? isActive:bool isForCompany:bool isForContact:bool reverseName:string? "
         "shortForwardName:string? shortReverseName:string?");
     expectCodedAs<FormFieldItem>("record:customRecord definition:customDefinition?");
+    expectCodedAs<FormItem>("form:form definition:setDefinition? fields:fields");
     expectCodedAs<TaskItem>("task:task ownerID:User? ownerName:name");
+    expectCodedAs<NoteItem>("note:note ownerID:User? ownerName:name");
+    expectCodedAs<EmailItem>("email:email");
+    expectCodedAs<FileItem>("fileAttachment:file");
+    expectCodedAs<URLReferenceItem>("urlReference:link");
+    expectCodedAs<TimeblockItem>("timeblock:timeblock");
 }
 
 }  // namespace

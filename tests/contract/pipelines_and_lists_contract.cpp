@@ -17,51 +17,69 @@ namespace contract {
 
 using namespace kestrel;
 
+// Types are changed through a copy alone.
+static_assert(areReadOnly<&AnyRoleType::appliesTo, &AnyRoleType::createDate, &AnyRoleType::deletionDate,
+                          &AnyRoleType::deletionIdentifier, &AnyRoleType::deletionUserID, &AnyRoleType::isActive,
+                          &AnyRoleType::isForCompany, &AnyRoleType::isForContact, &AnyRoleType::isForOpportunity,
+                          &AnyRoleType::isForProject, &AnyRoleType::name>);
+static_assert(
+    areReadOnly<&RelationshipType::createDate, &RelationshipType::deletionDate, &RelationshipType::deletionIdentifier,
+                &RelationshipType::deletionUserID, &RelationshipType::forwardName, &RelationshipType::isActive,
+                &RelationshipType::isForCompany, &RelationshipType::isForContact, &RelationshipType::reverseName,
+                &RelationshipType::shortForwardName, &RelationshipType::shortReverseName>);
+static_assert(areReadOnly<&EditAnyRoleType::roleTypeID, &EditAnyRoleType::createDate> &&
+              areReadOnly<&EditRelationshipType::relationshipTypeID, &EditRelationshipType::createDate>);
+
 std::vector<RecordContract> contractsOfPipelinesAndLists() {
     const std::string stage = " createDate:date?" + deletion;
     return {
-        recordContract<Category>("Category", "Category", "categoryID:Category color:color?" + listEntry),
-        recordContract<Keyword>("Keyword", "Keyword", "keywordID:Keyword" + listEntry),
-        recordContract<OpportunityType>("OpportunityType", "OpportunityType",
-                                        "opportunityTypeID:OpportunityType" + listEntry),
-        recordContract<CompanyType>("CompanyType", "OrganizationType", "companyTypeID:CompanyType" + listEntry),
-        recordContract<IndustryType>("IndustryType", "IndustryType", "industryTypeID:IndustryType" + listEntry),
-        recordContract<RegionType>("RegionType", "RegionType", "regionTypeID:RegionType" + listEntry),
-        recordContract<Team>(
+        recordContract<Category, &Category::categoryID>("Category", "Category",
+                                                        "categoryID:Category color:color?" + listEntry),
+        recordContract<Keyword, &Keyword::keywordID>("Keyword", "Keyword", "keywordID:Keyword" + listEntry),
+        recordContract<OpportunityType, &OpportunityType::opportunityTypeID>(
+            "OpportunityType", "OpportunityType", "opportunityTypeID:OpportunityType" + listEntry),
+        recordContract<CompanyType, &CompanyType::companyTypeID>("CompanyType", "OrganizationType",
+                                                                 "companyTypeID:CompanyType" + listEntry),
+        recordContract<IndustryType, &IndustryType::industryTypeID>("IndustryType", "IndustryType",
+                                                                    "industryTypeID:IndustryType" + listEntry),
+        recordContract<RegionType, &RegionType::regionTypeID>("RegionType", "RegionType",
+                                                              "regionTypeID:RegionType" + listEntry),
+        recordContract<Team, &Team::teamID>(
             "Team", "Team",
             "teamID:Team createDate:date?" + deletion +
                 "details:string? isActive:bool isUserPrivateTeam:bool modifyDate:date? name:string? order:int"),
-        recordContract<User>(
+        recordContract<User, &User::userID>(
             "User", "User",
             "userID:User createDate:date?" + deletion +
                 "email:string? firstName:string? isActive:bool isAdmin:bool isRestrictedToDeleteObjects:bool "
                 "isSuper:bool "
                 "jobTitle:string? lastLoginDate:date? lastName:string? modifyDate:date? name:string? phone:string? "
                 "timeZoneName:string? username:string? teamIDs:teams"),
-        recordContract<VisibilityPreset>(
+        recordContract<VisibilityPreset, &VisibilityPreset::visibilityPresetID>(
             "VisibilityPreset", "VisibilityPreset",
             "objectID:VisibilityPreset" + deletion + "name:string? noReadAccess:int noWriteAccess:int"),
-        recordContract<PipelineDefinition>(
+        recordContract<PipelineDefinition, &PipelineDefinition::pipelineDefinitionID>(
             "PipelineDefinition", "PipelineDefinition",
             "pipelineDefinitionID:PipelineDefinition active:int" + stage +
                 "forOpportunity:int forProject:int lowerThreshold:int modifyDate:date? name:string? "
                 "note:string? upperThreshold:int"),
-        recordContract<PipelineStageDefinition>(
+        recordContract<PipelineStageDefinition, &PipelineStageDefinition::pipelineStageDefinitionID>(
             "PipelineStageDefinition", "PipelineStageDefinition",
             "pipelineStageDefinitionID:PipelineStageDefinition actionSetID:int?" + stage +
                 "lowerThreshold:int modifyDate:date? name:string? note:string? order:int "
                 "pipelineDefinitionID:int? upperThreshold:int"),
-        recordContract<Pipeline>("Pipeline", "Pipeline",
-                                 "pipelineID:Pipeline" + stage +
-                                     "lowerThreshold:int modifyDate:date? name:string? note:string? opportunityID:int? "
-                                     "pipelineDefinitionID:int? projectID:int? upperThreshold:int"),
-        recordContract<PipelineStage>(
+        recordContract<Pipeline, &Pipeline::pipelineID>(
+            "Pipeline", "Pipeline",
+            "pipelineID:Pipeline" + stage +
+                "lowerThreshold:int modifyDate:date? name:string? note:string? opportunityID:int? "
+                "pipelineDefinitionID:int? projectID:int? upperThreshold:int"),
+        recordContract<PipelineStage, &PipelineStage::pipelineStageID>(
             "PipelineStage", "PipelineStage",
             "pipelineStageID:PipelineStage" + stage +
                 "isActivitySetCreated:int? lowerThreshold:int modifyDate:date? name:string? note:string? "
                 "opportunityID:int? order:int pipelineID:int? pipelineStageDefinitionID:int? projectID:int? "
                 "upperThreshold:int"),
-        recordContract<PipelineStageHistory>(
+        recordContract<PipelineStageHistory, &PipelineStageHistory::pipelineStageHistoryID>(
             "PipelineStageHistory", "PipelineStageHistory",
             "pipelineStageHistoryID:PipelineStageHistory createDate:date? createdByID:int? createdByUsername:string?" +
                 deletion +
@@ -69,19 +87,21 @@ std::vector<RecordContract> contractsOfPipelinesAndLists() {
                 "pipelineStageID:int? previousPipelineID:int? previousPipelineName:string? "
                 "previousPipelineStageID:int? "
                 "previousStageName:string? projectID:int? stageName:string? startDate:date?"),
-        recordContract<OpportunityStateReason>(
+        recordContract<OpportunityStateReason, &OpportunityStateReason::opportunityStateReasonID>(
             "OpportunityStateReason", "OpportunityStateReason",
             "opportunityStateReasonID:OpportunityStateReason active:int" + stage +
                 "details:string? name:string? opportunityStateType:int order:int privateTypeCode:int"),
-        recordContract<AnyLabel>("AnyLabel", "Label",
-                                 "labelID:AnyLabel" + stage +
-                                     "isActive:bool isForElectronicAddress:bool isForGeoAddress:bool isForPhone:bool "
-                                     "modifyDate:date? name:string? order:int"),
-        recordContract<AnyRoleType>("AnyRoleType", "RoleType",
-                                    "roleTypeID:AnyRoleType appliesTo:enum" + stage +
-                                        "isActive:bool isForCompany:bool isForContact:bool isForOpportunity:bool "
-                                        "isForProject:bool name:string?"),
-        recordContract<RelationshipType>(
+        recordContract<AnyLabel, &AnyLabel::labelID>(
+            "AnyLabel", "Label",
+            "labelID:AnyLabel" + stage +
+                "isActive:bool isForElectronicAddress:bool isForGeoAddress:bool isForPhone:bool "
+                "modifyDate:date? name:string? order:int"),
+        recordContract<AnyRoleType, &AnyRoleType::roleTypeID>(
+            "AnyRoleType", "RoleType",
+            "roleTypeID:AnyRoleType appliesTo:enum" + stage +
+                "isActive:bool isForCompany:bool isForContact:bool isForOpportunity:bool "
+                "isForProject:bool name:string?"),
+        recordContract<RelationshipType, &RelationshipType::relationshipTypeID>(
             "RelationshipType", "RelationshipType",
             "relationshipTypeID:RelationshipType" + stage +
                 "forwardName:string? isActive:bool isForCompany:bool isForContact:bool reverseName:string? "

@@ -31,15 +31,30 @@ struct RecordContract {
     friend void PrintTo(const RecordContract& contract, std::ostream* out) { *out << contract.recordName; }
 };
 
+/// Whether a member of a record can be read and not be assigned to.
+template <class Record, class Member>
+consteval bool isReadOnly(Member Record::* /*member*/) {
+    using Place = decltype((std::declval<Record&>().*std::declval<Member Record::*>()));
+    if constexpr (requires { typename Member::Value; }) {
+        return !std::is_assignable_v<Place, Member> && !std::is_assignable_v<Place, typename Member::Value>;
+    } else {
+        return false;
+    }
+}
+template <auto... members>
+inline constexpr bool areReadOnly = (isReadOnly(members) && ...);
+
 /// That of a record: that of its fields, and that its identifier is its own and read-only.
-template <class Record>
+template <class Record, auto identifier>
 RecordContract recordContract(const std::string& recordName, const std::string& entityName, const std::string& fields) {
     const auto check = [=] {
         static_assert(kestrel::BaseRecord<Record>);
         EXPECT_EQ(Record::recordName, recordName);
         EXPECT_EQ(Record::entityName, entityName);
         expectCodedAs<Record>(fields);
-        static_assert(!std::is_assignable_v<decltype(std::declval<Record&>().objectID()), kestrel::ObjectID<Record>>);
+        static_assert(areReadOnly<identifier>);
+        static_assert(
+            std::is_same_v<decltype((std::declval<const Record&>().objectID())), const kestrel::ObjectID<Record>&>);
         static_assert(std::is_nothrow_move_constructible_v<Record> && std::is_copy_assignable_v<Record>);
 
         Record one{kestrel::ObjectID<Record>(1)};

@@ -12,9 +12,11 @@ namespace contract {
 
 using namespace kestrel;
 
+static_assert(areReadOnly<&Contact::createDate, &Contact::modifyDate>);
+
 std::vector<RecordContract> contractsOfRecords() {
     return {
-        recordContract<Company>(
+        recordContract<Company, &Company::organizationID>(
             "Company", "Organization",
             "organizationID:Company assignedToID:int? categoryID:int? createDate:date? createdByID:int? "
             "davCachedDepartment:string? "
@@ -25,7 +27,7 @@ std::vector<RecordContract> contractsOfRecords() {
                 "permissionMask:int regionTypeID:int? sicCode:string? sourceImportID:string? "
                 "tagline:string? tickerSymbol:string? "
                 "visibilityPresetID:int? permissions:permissions category:category?"),
-        recordContract<Opportunity>(
+        recordContract<Opportunity, &Opportunity::opportunityID>(
             "Opportunity", "Opportunity",
             "opportunityID:Opportunity assignedToID:int? cachedTotalAmount:double categoryID:int? completeDate:date? "
             "connectorLockDate:date? connectorLockIdentifier:string? connectorLockUserID:int? createDate:date? "
@@ -41,19 +43,20 @@ std::vector<RecordContract> contractsOfRecords() {
                 "unitPrice:double "
                 "units:double "
                 "visibilityPresetID:int? permissions:permissions category:category?"),
-        recordContract<Project>("Project", "Project",
-                                "projectID:Project assignedToID:int? cachedTotalEstimatedTime:int? categoryID:int? "
-                                "completeDate:date? createDate:date? "
-                                "createdByID:int? currentPipelineID:int? currentPipelineStageHistoryID:int? "
-                                "currentPipelineStageID:int? defaultNoteID:int? "
-                                "delegateChain:string?" +
-                                    deletion + "details:string? dueDate:date? estimatedTime:int?" + extras +
-                                    "goalID:int? lastStatusCode:int level:int modifyDate:date? name:string? "
-                                    "opportunityID:int? order:int percentComplete:int "
-                                    "permissionMask:int projectCode:string? sourceImportID:string? startDate:date? "
-                                    "statusCode:int visibilityPresetID:int? "
-                                    "permissions:permissions category:category?"),
-        recordContract<Group>(
+        recordContract<Project, &Project::projectID>(
+            "Project", "Project",
+            "projectID:Project assignedToID:int? cachedTotalEstimatedTime:int? categoryID:int? "
+            "completeDate:date? createDate:date? "
+            "createdByID:int? currentPipelineID:int? currentPipelineStageHistoryID:int? "
+            "currentPipelineStageID:int? defaultNoteID:int? "
+            "delegateChain:string?" +
+                deletion + "details:string? dueDate:date? estimatedTime:int?" + extras +
+                "goalID:int? lastStatusCode:int level:int modifyDate:date? name:string? "
+                "opportunityID:int? order:int percentComplete:int "
+                "permissionMask:int projectCode:string? sourceImportID:string? startDate:date? "
+                "statusCode:int visibilityPresetID:int? "
+                "permissions:permissions category:category?"),
+        recordContract<Group, &Group::groupID>(
             "Group", "Group",
             "groupID:Group active:int assignedToID:int? categoryID:int? createDate:date? createdByID:int? "
             "defaultNoteID:int?" +
@@ -61,14 +64,15 @@ std::vector<RecordContract> contractsOfRecords() {
                 "level:int message:string? modifyDate:date? name:string? note:string? order:int parentGroupID:int? "
                 "permissionMask:int sourceImportID:string? startDate:date? visibilityPresetID:int? "
                 "permissions:permissions"),
-        recordContract<ExtraFieldsNames>(
+        recordContract<ExtraFieldsNames, &ExtraFieldsNames::extraFieldsNamesID>(
             "ExtraFieldsNames", "ExtraFieldsNames",
             "objectID:ExtraFieldsNames" + deletion + extraTexts +
                 "extraDate1:string? extraDate2:string? extraDate3:string? extraDate4:string? typeString:string?"),
-        recordContract<ExtraVInfo>("ExtraVInfo", "ExtraVInfo",
-                                   "objectID:ExtraVInfo contactID:int" + deletion +
-                                       "info:string? organizationID:int taskID:int timeblockID:int userID:int"),
-        recordContract<Contact>(
+        recordContract<ExtraVInfo, &ExtraVInfo::extraVInfoID>(
+            "ExtraVInfo", "ExtraVInfo",
+            "objectID:ExtraVInfo contactID:int" + deletion +
+                "info:string? organizationID:int taskID:int timeblockID:int userID:int"),
+        recordContract<Contact, &Contact::contactID>(
             "Contact", "Contact",
             "contactID:Contact alias:string? anniversaryDay:int anniversaryMonth:int anniversaryYear:int birthDay:int "
             "birthMonth:int birthYear:int createDate:date? creditation:string?" +

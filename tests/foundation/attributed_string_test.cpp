@@ -38,7 +38,28 @@ TEST(AttributedText, countsCodePointsAndKeepsRunsInOneForm) {
     EXPECT_EQ(text.attributesAt(11), italic);
     EXPECT_EQ(text.attributesAt(13), TextAttributes());
     EXPECT_EQ(text.attributesAt(99), TextAttributes());
-    EXPECT_EQ(AttributedString("\x80\xff\xc3").length(), 3U) << "bytes outside of code points";
+    AttributedString whole(std::string(40, 'x'), italic);
+    whole.append(whole.text());
+    whole.append(whole.substring({70, 99}), bold);
+    EXPECT_EQ(whole.text(), std::string(90, 'x'));
+    EXPECT_EQ(runsOf(whole), (std::vector{run(0, 40, italic), run(80, 10, bold)}));
+    const AttributedString taken = std::move(whole);
+    whole = AttributedString();
+    AttributedString source("used", bold);
+    AttributedString target = std::move(source);
+    source.append("x", bold);  // NOLINT(bugprone-use-after-move): empty, and as good as new
+    EXPECT_EQ(source, AttributedString("x", bold));
+    EXPECT_EQ(target.length(), 4U);
+}
+
+TEST(AttributedText, isAlwaysUTF8) {
+    EXPECT_EQ(AttributedString("a\x80\xff\xc3").text(), "a\uFFFD\uFFFD\uFFFD") << "bytes outside of code points";
+    EXPECT_EQ(AttributedString("\xc0\xaf \xed\xa0\x80 \xf4\x90\x80\x80").length(), 11U);
+    AttributedString cut("\xe6\x97", italic);
+    cut.append("\xa5", bold);
+    EXPECT_EQ(cut.length(), 3U) << "a code point does not come about of pieces";
+    EXPECT_EQ(runsOf(cut), (std::vector{run(0, 2, italic), run(2, 1, bold)}));
+    EXPECT_TRUE(encodeJSON(cut).has_value());
 }
 
 /// Against a text that keeps the attributes of every code point by itself.

@@ -95,11 +95,15 @@ TEST(AContact, setsTheAddressesOfOneKindAmongTheOthers) {
     }
     // What is set again, unchanged, leaves everything as it was, whatever a value says.
     Contact contact{.contactID = 1, .electronicAddresses = addresses("s1 e2 u3 e4 s5")};
-    contact.electronicAddresses[0].serviceName = "LinkedIn";
     for (auto& each : contact.electronicAddresses) {
         each.address = "address " + each.objectID().description();
         each.label = AnyLabel{.labelID = 3, .name = "Work"};
+        each.createDate = Date(1);
+        each.deletionDate = Date(2);
         each.deletionIdentifier = "x";
+        each.deletionUserID = 3;
+        each.modifyDate = Date(4);
+        each.serviceName = "LinkedIn";
     }
     const Contact before = contact;
     contact.setEmailAddresses(contact.emailAddresses());

@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <kestrel/coding/json.h>
 #include <kestrel/records/name.h>
@@ -85,6 +86,50 @@ TEST(Name, showsNicknameAndAliasWhereTheyBelong) {
     EXPECT_EQ(ada.localized(Components::prefix | Components::suffix, abbreviated), "D");
     EXPECT_EQ(ada.localized({}, long_), "");
     EXPECT_EQ(Name::empty().localizedFull(), "");
+}
+
+TEST(Name, takesWhiteSpaceForNothing) {
+    for (const char* blank : {" ", "\t", "\u3000", "\u00a0\n"}) {
+        EXPECT_EQ((Name{.first = "Ada", .last = "Lovelace", .nickname = blank}.localized(Components::all, short_)),
+                  "Ada");
+        EXPECT_EQ((Name{.first = "Ada", .nickname = blank}.localized(Components::all, short_)), "Ada");
+        EXPECT_EQ((Name{.prefix = "Dr.", .first = blank}.localized(Components::all, abbreviated)), "D");
+        EXPECT_EQ((Name{.first = blank, .last = blank}.localizedFull()), "");
+        EXPECT_EQ((Name{.prefix = blank, .first = "Ada", .middle = blank, .last = "Lovelace"}.localizedFull()),
+                  "Ada Lovelace");
+    }
+}
+
+TEST(Name, leavesOutInEveryLocaleWhatItsStyleLeavesOut) {
+    for (const char* locale : {"en", "de", "fi", "lt", "el", "ka", "zu", "br", "sq", "bn", "ru", "ja", "hu", "uk"}) {
+        const std::string middle = ada.localized(Components::all - Components::nickname, medium, locale);
+        EXPECT_THAT(middle, testing::AllOf(testing::HasSubstr("Ada"), testing::HasSubstr("Lovelace"))) << locale;
+        for (const auto style : {short_, medium}) {
+            const std::string text = ada.localized(Components::all, style, locale);
+            for (const char* part : {"Dr.", "Augusta", "Jr."})
+                EXPECT_THAT(text, testing::Not(testing::HasSubstr(part))) << locale;
+        }
+        EXPECT_THAT(ada.localized(Components::all, short_, locale), testing::HasSubstr("Addie")) << locale;
+    }
+}
+
+TEST(Name, findsTheLanguageOfOddLocales) {
+    const Name eva{.first = "Éva", .last = "Kovács"};
+    for (const char* locale : {"hu-HUN", "hu_HU@currency=HUF", "hu-Latn-HU-x-private", "HU"})
+        EXPECT_EQ(eva.localized(Components::all, medium, locale), "Kovács Éva") << locale;
+    for (const char* locale : {"??", "-", "hu1", "x", "en-USA", "\xff\xfe", "hungarian"})
+        EXPECT_EQ(eva.localized(Components::all, medium, locale), "Éva Kovács") << locale;
+    const Components nickname{NameComponents::nickname.rawValue | 1 << 20};
+    EXPECT_EQ(ada.localized(nickname, long_), "Addie") << "bits that mean nothing";
+    // However long: linear.
+    std::string words;
+    for (int i = 0; i < 200'000; ++i)
+        words += "a ";
+    EXPECT_GT((Name{.first = words, .middle = words, .last = words}.localized(Components::all, medium, "uk").size()),
+              1U);
+    EXPECT_GT(
+        (Name{.first = words, .middle = words, .last = words}.localized(Components::all, abbreviated, "af").size()),
+        1U);
 }
 
 TEST(Name, marksEveryPartOfTheText) {

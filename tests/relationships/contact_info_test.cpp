@@ -77,7 +77,9 @@ TEST(AContactInfo, readsAndWritesTheContactThroughTheArrow) {
     EXPECT_EQ(info.contact.lastName, "Hopper");
     const ContactInfo& reading = info;
     EXPECT_EQ(reading->firstName, "Grace");
-    EXPECT_EQ(reading.creator.get()->id(), 3);
+    EXPECT_EQ(reading.creator->id(), 3);
+    EXPECT_TRUE(reading.creator);
+    EXPECT_EQ(reading.creator->contact.value_or(Contact{.contactID = 9}).id(), 9);
     static_assert(!std::is_assignable_v<decltype((info.creator)), UserContact>);
     static_assert(std::is_same_v<decltype(reading.operator->()), const Contact*>);
     info->permissions.giveReadAccess(17);
@@ -85,6 +87,10 @@ TEST(AContactInfo, readsAndWritesTheContactThroughTheArrow) {
     const PermissionChecker checker{.user = User{.userID = 1, .teamIDs = {ObjectID<Team>(18)}}};
     EXPECT_FALSE(checker.canRead(info));
     EXPECT_TRUE(checker.canUpdate(info));
+    struct Row {
+        [[nodiscard]] Permissions permissions() const { return {.readPermissions = {ObjectID<Team>(18)}}; }
+    };
+    EXPECT_TRUE(checker.canRead(Row())) << "a host's own type that gives its permissions by value";
     const UserContact user = UserContact::make({.userID = 3, .username = "grace"}, info.contact);
     EXPECT_EQ(user->username, "grace");
 }

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <kestrel/coding/json.h>
 #include <kestrel/relationships/contact_role.h>
 #include <kestrel/relationships/relationship_type.h>
 
@@ -36,9 +37,21 @@ TEST(ARoleType, isEditedThroughACopy) {
                              .deletionIdentifier = "3",
                              .deletionUserID = 4,
                              .isActive = false,
+                             .isForCompany = true,
                              .isForContact = true,
+                             .isForOpportunity = true,
+                             .isForProject = true,
                              .name = "Vendor"};
     EXPECT_EQ(record.edit().record(), record);
+    EXPECT_EQ(encodeJSON(record.edit()), encodeJSON(record)) << "every field in its place";
+    for (const char* flag : {"isActive", "isForCompany", "isForContact", "isForOpportunity", "isForProject"}) {
+        std::string one = *encodeJSON(AnyRoleType{.roleTypeID = 5, .isActive = false});
+        const std::string off = std::string(flag) + "\":false";
+        one.replace(one.find(off), off.size(), std::string(flag) + "\":true");
+        const auto flagged = decodeJSON<AnyRoleType>(one);
+        EXPECT_EQ(encodeJSON(flagged->edit()), one);
+        EXPECT_EQ(flagged->edit().record(), *flagged);
+    }
     EditAnyRoleType copy = record.edit();
     copy.name = "Supplier";
     EXPECT_EQ(copy.record().name, "Supplier");
@@ -52,10 +65,12 @@ TEST(ARoleType, isEditedThroughACopy) {
                                 .forwardName = "is parent of",
                                 .isActive = false,
                                 .isForCompany = true,
+                                .isForContact = true,
                                 .reverseName = "is child of",
                                 .shortForwardName = "parent",
                                 .shortReverseName = "child"};
     EXPECT_EQ(type.edit().record(), type);
+    EXPECT_EQ(encodeJSON(type.edit()), encodeJSON(type));
 }
 
 TEST(ARole, isSeenThroughTheViewOfItsDestination) {

@@ -96,16 +96,4 @@ TEST(Enumerations, haveTheStoresRawValues) {
     expectCases<MeetingInviteType>({{1, "user"}, {2, "contact"}, {3, "external"}, {0, "unknown"}, {4, "resource"}});
 }
 
-TEST(Invitations, nameAnswersAndRolesAndTellHopelessErrors) {
-    EXPECT_EQ(displayName(MeetingInviteResponseStatus::none), "None");
-    EXPECT_EQ(displayName(MeetingInviteResponseStatus::maybe), "Maybe");
-    EXPECT_EQ(displayName(MeetingInviteParticipationRole::required), "Required");
-    EXPECT_EQ(displayName(MeetingInviteParticipationRole::optional), "Optional");
-    std::set<std::int64_t> hopeless;
-    for (const auto code : allCases<MeetingInviteErrorCode>) {
-        if (isUnrecoverable(code)) hopeless.insert(rawValue(code));
-    }
-    EXPECT_EQ(hopeless, (std::set<std::int64_t>{2, 3, 5, 6, 7}));
-}
-
 }  // namespace

@@ -1,0 +1,151 @@
+#pragma once
+
+#include <kestrel/reactive/cancellable.h>
+#include <kestrel/reactive/subscriber.h>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+namespace kestrel {
+
+namespace reactive_detail {
+
+/// What stands between an emitter and its subscriber: keeps values until they are asked for, and delivers them one
+/// after the other, whichever threads they come from.
+template <class Output, class Failure>
+class Emission final : public Subscription {
+  public:
+    explicit Emission(std::shared_ptr<Subscriber<Output, Failure>> downstream) : downstream_(std::move(downstream)) {}
+
+    void request(Demand demand) override {
+        {
+            const std::scoped_lock lock(mutex_);
+            demand_ += demand;
+        }
+        deliver();
+    }
+    void cancel() override {
+        std::shared_ptr<Subscriber<Output, Failure>> downstream;
+        std::deque<Output> waiting;
+        AnyCancellable work;
+        {
+            const std::scoped_lock lock(mutex_);
+            isCancelled_ = true;
+            downstream.swap(downstream_);
+            waiting.swap(waiting_);
+            work = std::move(work_);
+        }
+        work.cancel();
+    }
+    void send(Output value) {
+        {
+            const std::scoped_lock lock(mutex_);
+            if (downstream_ == nullptr || completion_) return;
+            waiting_.push_back(std::move(value));
+        }
+        deliver();
+    }
+    void end(Completion<Failure> completion) {
+        {
+            const std::scoped_lock lock(mutex_);
+            if (downstream_ == nullptr || completion_) return;
+            completion_ = std::move(completion);
+        }
+        deliver();
+    }
+    /// Keeps what ends with the subscription.
+    void own(AnyCancellable work) {
+        {
+            const std::scoped_lock lock(mutex_);
+            if (!isCancelled_) work_ = std::move(work);
+        }
+        // Cancelled before it was there: it ends now.
+        work.cancel();
+    }
+    [[nodiscard]] bool isCancelled() const {
+        const std::scoped_lock lock(mutex_);
+        return isCancelled_;
+    }
+
+  private:
+    void deliver() {
+        std::unique_lock lock(mutex_);
+        if (std::exchange(isDelivering_, true)) return;
+        while (downstream_ != nullptr) {
+            if (!waiting_.empty()) {
+                if (!demand_.take()) break;
+                const Output value = std::move(waiting_.front());
+                waiting_.pop_front();
+                const auto downstream = downstream_;
+                lock.unlock();
+                const Demand more = downstream->receive(value);
+                lock.lock();
+                demand_ += more;
+            } else if (completion_) {
+                const auto downstream = std::exchange(downstream_, nullptr);
+                lock.unlock();
+                downstream->receive(*completion_);
+                lock.lock();
+            } else {
+                break;
+            }
+        }
+        isDelivering_ = false;
+    }
+
+    mutable std::mutex mutex_;
+    std::shared_ptr<Subscriber<Output, Failure>> downstream_;
+    std::deque<Output> waiting_;
+    std::optional<Completion<Failure>> completion_;
+    Demand demand_ = Demand::none();
+    AnyCancellable work_;
+    bool isDelivering_ = false;
+    bool isCancelled_ = false;
+};
+
+}  // namespace reactive_detail
+
+/// Sends values to one subscriber. A handle: copies send to the same one, from any thread. What is sent after the end,
+/// or when the subscriber has gone, is lost.
+template <class Output, class Failure>
+class Emitter {
+  public:
+    explicit Emitter(const std::shared_ptr<reactive_detail::Emission<Output, Failure>>& emission)
+        : emission_(emission) {}
+
+    void send(Output value) const {
+        if (const auto emission = emission_.lock()) emission->send(std::move(value));
+    }
+    void finish() const { end(Completion<Failure>::finished()); }
+    void fail(Failure failure) const { end(Completion<Failure>::failed(std::move(failure))); }
+    /// Whether nobody listens any more.
+    [[nodiscard]] bool isCancelled() const {
+        const auto emission = emission_.lock();
+        return emission == nullptr || emission->isCancelled();
+    }
+
+  private:
+    void end(Completion<Failure> completion) const {
+        if (const auto emission = emission_.lock()) emission->end(std::move(completion));
+    }
+
+    /// The subscriber keeps it, and nobody else: it ends when the subscriber goes away.
+    std::weak_ptr<reactive_detail::Emission<Output, Failure>> emission_;
+};
+
+namespace reactive_detail {
+
+template <class Output, class Failure, class Start>
+void startEmission(std::shared_ptr<Subscriber<Output, Failure>> subscriber, Start&& start) {
+    const auto emission = std::make_shared<Emission<Output, Failure>>(subscriber);
+    subscriber->receive(emission);
+    if (emission->isCancelled()) return;
+    Emitter<Output, Failure> emitter(emission);
+    emission->own(start(emitter));
+}
+
+}  // namespace reactive_detail
+
+}  // namespace kestrel

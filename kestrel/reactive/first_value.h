@@ -1,0 +1,106 @@
+#pragma once
+
+#include <kestrel/foundation/fatal.h>
+#include <kestrel/reactive/publisher.h>
+#include <atomic>
+#include <coroutine>
+#include <expected>
+#include <memory>
+#include <optional>
+#include <utility>
+
+namespace kestrel {
+
+/// Why there is no first value: the publisher failed, or it finished without one.
+template <class Failure>
+struct NoFirstValue {
+    /// Absent when it finished.
+    std::optional<Failure> failure{};
+
+    friend bool operator==(const NoFirstValue&, const NoFirstValue&) = default;
+};
+
+namespace reactive_detail {
+
+/// What a waiting coroutine shares with the subscription that wakes it.
+template <class Output, class Failure>
+class FirstValue {
+  public:
+    using Result = std::expected<Output, NoFirstValue<Failure>>;
+
+    void settle(Result result) {
+        if (result_) return;
+        result_ = std::move(result);
+        if (stage_.exchange(Stage::settled) == Stage::suspended) waiting_.resume();
+    }
+    /// Whether the coroutine has to wait.
+    bool suspend(std::coroutine_handle<> waiting) {
+        waiting_ = waiting;
+        return stage_.exchange(Stage::suspended) == Stage::subscribing;
+    }
+    [[nodiscard]] Result take() { return *std::move(result_); }
+
+  private:
+    enum class Stage { subscribing, suspended, settled };
+
+    std::atomic<Stage> stage_ = Stage::subscribing;
+    std::coroutine_handle<> waiting_;
+    std::optional<Result> result_;
+};
+
+template <class Output, class Failure>
+class FirstValueAwaiter {
+  public:
+    explicit FirstValueAwaiter(AnyPublisher<Output, Failure> publisher) : publisher_(std::move(publisher)) {}
+
+    [[nodiscard]] bool await_ready() const noexcept { return false; }
+    bool await_suspend(std::coroutine_handle<> waiting) {
+        // The subscription may settle on another thread, or wake the coroutine and so end this object, as soon as it is
+        // there: nothing here is touched after `suspend`.
+        const auto value = value_;
+        subscription_ =
+            publisher_.first().sink([value](const Output& output) { value->settle(output); },
+                                    [value](const Completion<Failure>& completion) {
+                                        value->settle(std::unexpected(NoFirstValue<Failure>{completion.failure()}));
+                                    });
+        return value->suspend(waiting);
+    }
+    [[nodiscard]] std::expected<Output, NoFirstValue<Failure>> await_resume() {
+        subscription_.cancel();
+        return value_->take();
+    }
+
+  private:
+    AnyPublisher<Output, Failure> publisher_;
+    std::shared_ptr<FirstValue<Output, Failure>> value_ = std::make_shared<FirstValue<Output, Failure>>();
+    AnyCancellable subscription_;
+};
+
+}  // namespace reactive_detail
+
+/// `co_await publisher` subscribes and waits for the first value, or why there is none. The coroutine goes on where the
+/// value comes; destroying it while it waits cancels.
+template <class Output, class Failure>
+[[nodiscard]] auto operator co_await(AnyPublisher<Output, Failure> publisher) {
+    return reactive_detail::FirstValueAwaiter<Output, Failure>(std::move(publisher));
+}
+
+/// The result of a coroutine that starts at once, runs by itself and gives nothing back:
+///
+///     DetachedCoroutine showAddress(…) {
+///         const auto placemark = co_await geocoder.geocode(address);
+///         if (placemark) show(*placemark);
+///     }
+///
+/// An exception that leaves it stops the program.
+struct DetachedCoroutine {
+    struct promise_type {
+        DetachedCoroutine get_return_object() const noexcept { return {}; }
+        std::suspend_never initial_suspend() const noexcept { return {}; }
+        std::suspend_never final_suspend() const noexcept { return {}; }
+        void return_void() const noexcept {}
+        void unhandled_exception() const noexcept { fatal("An exception left a detached coroutine."); }
+    };
+};
+
+}  // namespace kestrel
