@@ -1,6 +1,5 @@
 // What is derived from a contact's surroundings, against the plain way of doing it: the newest items of its activity,
-// and its relationships from both ends. Results are compared first; the table at the end gives times relative to this
-// library's, and how the library's own times grow with the size.
+// and its relationships from both ends.
 
 #include <benchmark/benchmark.h>
 #include <kestrel/activity/activity_summary.h>
@@ -14,7 +13,7 @@
 #include <tuple>
 #include <vector>
 
-#include "ratio_reporter.h"
+#include "work.h"
 
 namespace {
 
@@ -160,12 +159,6 @@ void registerAll() {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
+void benchmarks::addActivity() {
     registerAll();
-    RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    benchmark::Shutdown();
-    return 0;
 }

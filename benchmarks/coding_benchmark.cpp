@@ -1,8 +1,8 @@
-// Keyed JSON of contacts against other libraries: every contender in one run, results compared for equality first,
-// and at the end a table of times relative to this library's.
+// Keyed JSON of contacts against other libraries.
 
 #include <benchmark/benchmark.h>
 #include <kestrel/coding/json.h>
+#include <malloc.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -10,7 +10,7 @@
 #include <string>
 
 #include "peers.h"
-#include "ratio_reporter.h"
+#include "work.h"
 
 namespace {
 
@@ -154,15 +154,30 @@ void registerAll() {
     });
 }
 
+/// What the allocator holds for what `make` makes, in bytes.
+template <class Make>
+std::size_t heapOf(Make make) {
+    const std::size_t before = ::mallinfo2().uordblks;
+    const auto made = make();
+    benchmark::DoNotOptimize(made);
+    return ::mallinfo2().uordblks - before;
+}
+
 }  // namespace
 
-int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
+namespace benchmarks {
+
+void addCoding() {
     compareResults();
     registerAll();
-    RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    benchmark::Shutdown();
-    return 0;
 }
+
+void printContactMemory() {
+    const Samples& s = samples();
+    const std::size_t heap = heapOf([&] { return std::vector<Contact>(s.values); });
+    std::printf("\nA contact: sizeof %zu bytes, on the heap %zu more on average; 100,000 of them: %.0f MB\n",
+                sizeof(Contact), heap / s.values.size() - sizeof(Contact),
+                static_cast<double>(heap / s.values.size()) * 100'000 / 1e6);
+}
+
+}  // namespace benchmarks

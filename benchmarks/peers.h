@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
-/// The same work by other libraries, as a user of them would write it by hand: members are tried in the order in which
-/// they are written and otherwise looked up in a hash table. Each stops the program when a document is not what it
-/// expects.
+/// The same work by other libraries, as a user of them would write it by hand: keys are looked up in a hash table, by
+/// the fastest peer only after it has tried the members in the order in which they are written. Each stops the program
+/// when a document is not what it expects.
 namespace peers {
 
 /// Fills the values from a document tree.

@@ -146,7 +146,7 @@ template <class T>
 void put(Writer& writer, const ObjectID<T>& id) {
     writer.StartObject();
     writer.Key("recordName");
-    put(writer, std::string(kestrel::recordNameOf<T>));
+    writer.String(kestrel::recordNameOf<T>.data(), static_cast<rapidjson::SizeType>(kestrel::recordNameOf<T>.size()));
     writer.Key("primaryKey");
     writer.Int64(*id.value());
     writer.EndObject();

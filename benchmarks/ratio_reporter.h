@@ -19,15 +19,17 @@ class RatioReporter : public benchmark::ConsoleReporter {
             auto& time = times_[name.substr(0, slash)][name.substr(slash + 1)];
             const double measured = run.GetAdjustedRealTime();
             time = time == 0 ? measured : std::min(time, measured);
+            units_[name.substr(0, slash)] = benchmark::GetTimeUnitString(run.time_unit);
         }
         ConsoleReporter::ReportRuns(runs);
     }
     void Finalize() override {
-        std::printf("\nTime relative to this library (more than 1: the other one takes longer)\n");
+        std::printf(
+            "\nThis library's time, and the others' relative to it (more than 1: the other one takes longer)\n");
         for (const auto& [work, contenders] : times_) {
             const auto own = contenders.find("kestrel");
             if (own == contenders.end()) continue;
-            std::printf("%-26s", work.c_str());
+            std::printf("%-34s %10.1f %s", work.c_str(), own->second, units_[work].c_str());
             for (const auto& [contender, time] : contenders) {
                 if (contender != "kestrel") std::printf("  %s %.2f", contender.c_str(), time / own->second);
             }
@@ -37,4 +39,5 @@ class RatioReporter : public benchmark::ConsoleReporter {
 
   private:
     std::map<std::string, std::map<std::string, double>> times_;
+    std::map<std::string, std::string> units_;
 };
