@@ -1,4 +1,5 @@
 #include <host/board/board_query.h>
+#include <host/board/deal_links.h>
 #include <host/store/record_table.h>
 
 #include <algorithm>
@@ -10,24 +11,31 @@
 namespace kestrel::host {
 namespace {
 
-/// The companies of each opportunity, by name and ready to show, as far as the user may read them.
-std::unordered_map<std::int64_t, std::string> companyNames(SQLite::Database& database,
-                                                           const PermissionChecker& checker) {
+/// The companies of an opportunity, as far as the user may read them.
+struct LinkedCompanies {
+    std::vector<std::int64_t> keys{};
+    /// Ready to show.
+    std::string names{};
+};
+
+std::unordered_map<std::int64_t, LinkedCompanies> companiesOf(SQLite::Database& database,
+                                                              const PermissionChecker& checker) {
     std::unordered_map<std::int64_t, std::string> names;
     for (const Company& company : RecordTable<Company>(database).all()) {
         if (company.name && !company.deletionDate && checker.canRead(company))
             names.emplace(*company.objectID().value(), *company.name);
     }
-    std::unordered_map<std::int64_t, std::string> companies;
+    std::unordered_map<std::int64_t, LinkedCompanies> companies;
     SQLite::Statement links(database,
                             "SELECT opportunityID, organizationID FROM OpportunityOrganization "
                             "ORDER BY opportunityID, organizationID");
     while (links.executeStep()) {
         const auto name = names.find(links.getColumn(1).getInt64());
         if (name == names.end()) continue;
-        std::string& text = companies[links.getColumn(0).getInt64()];
-        if (!text.empty()) text += ", ";
-        text += name->second;
+        LinkedCompanies& linked = companies[links.getColumn(0).getInt64()];
+        linked.keys.push_back(name->first);
+        if (!linked.names.empty()) linked.names += ", ";
+        linked.names += name->second;
     }
     return companies;
 }
@@ -70,7 +78,8 @@ std::optional<ObjectID<Record>> identifierOf(const std::optional<std::int64_t>& 
 BoardData boardOf(SQLite::Database& database, const BoardLists& lists, const PermissionChecker& checker,
                   const BoardView& view, const CalendarMoment& at) {
     const OpportunityBoardMatcher matcher(view.filter, at.calendar, at.now);
-    const auto companies = companyNames(database, checker);
+    const auto companies = companiesOf(database, checker);
+    const DealLinks dealLinks(database, checker, at);
     const auto keywords = view.filter.keywordID ? keywordsOf(database) : decltype(keywordsOf(database)){};
     const auto typeNames = namesByKey(lists.types, [](const auto& type) -> const auto& { return type.name; });
     const auto userNames =
@@ -102,13 +111,21 @@ BoardData boardOf(SQLite::Database& database, const BoardLists& lists, const Per
         }
         std::optional<AvatarInfo> avatar;
         if (auto name = valueOf(userNames, deal.assignedToID)) avatar = AvatarInfo{.name = *std::move(name)};
+        const LinkedCompanies linked = valueOf(companies, key).value_or(LinkedCompanies{});
+        const Upcoming next = dealLinks.upcomingOf(key, linked.keys);
         OpportunityBoardCardData::Facts facts{
             .id = deal.objectID(),
             .title = std::move(deal.name).value_or(""),
-            .linkedCompanies = valueOf(companies, key).value_or(""),
+            .linkedPeople = dealLinks.peopleOn(key),
+            .linkedCompanies = linked.names,
             .value = deal.cachedTotalAmount,
             .probability = deal.probability,
             .type = valueOf(typeNames, deal.opportunityTypeID),
+            .nextTaskId = next.task.transform([](const auto& task) { return task.id; }),
+            .nextTaskDueDate = next.task.transform([](const auto& task) { return task.dueDate; }),
+            .nextAppointmentId = next.appointment.transform([](const auto& one) { return one.id; }),
+            .nextAppointmentDate = next.appointment.transform([](const auto& one) { return one.startDate; }),
+            .nextAppointmentIsAllDay = next.appointment.transform([](const auto& one) { return one.isAllDay; }),
             .pipelineId = definitionID,
             .stageId = identifierOf<PipelineStageDefinition>(keyOf(deals.getColumn(3))),
             .categoryColor = deal.category ? deal.category->color : std::nullopt,

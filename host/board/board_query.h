@@ -9,7 +9,8 @@
 namespace kestrel::host {
 
 /// The board of the opportunities that a user may read and that the view's filter lets through, as of a moment. What
-/// the user may not read is neither shown nor counted; the names of companies count as read.
+/// the user may not read is neither shown nor counted; the names of companies count as read. Cards name the people with
+/// a role on the deal, and what comes next for the deal, its companies and the people of both: see DealLinks.
 [[nodiscard]] BoardData boardOf(SQLite::Database& database, const BoardLists& lists, const PermissionChecker& checker,
                                 const BoardView& view, const CalendarMoment& at);
 

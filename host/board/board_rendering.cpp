@@ -40,6 +40,14 @@ std::string nextActivity(const BoardCardData& card, const CalendarMoment& at) {
                        static_cast<unsigned>(day.day()));
 }
 
+/// The companies, and behind them in parentheses the people.
+std::string companiesAndPeople(const BoardCardData& card) {
+    const std::string companies = printable(card.linkedCompanies());
+    const std::string people = printable(card.linkedPeople());
+    const std::string shown = companies.empty() ? std::string(absent) : companies;
+    return people.empty() ? shown : fmt::format("{} ({})", shown, people);
+}
+
 /// What a card shows, ready to print.
 struct CardText {
     std::string title;
@@ -53,9 +61,8 @@ struct CardText {
 
 CardText cardText(const BoardCardData& card, const CalendarMoment& at) {
     const OpportunityBoardCardData* opportunity = card.opportunityCard();
-    const std::string company = printable(card.linkedCompanies());
     return {.title = printable(card.title()),
-            .company = company.empty() ? std::string(absent) : company,
+            .company = companiesAndPeople(card),
             .value = opportunity != nullptr ? amount(opportunity->value) : std::string(absent),
             .probability = opportunity != nullptr ? fmt::format("{}%", opportunity->probability) : std::string(absent),
             .days = daysInStage(card, at),

@@ -1,10 +1,14 @@
 #include <fmt/format.h>
 #include <host/board/board_options.h>
 #include <host/command/access_command.h>
+#include <host/command/activity_command.h>
 #include <host/command/board_command.h>
 #include <host/command/command_line.h>
+#include <host/command/contact_command.h>
+#include <host/command/contacts_command.h>
 #include <host/command/decode_command.h>
 #include <host/command/import_command.h>
+#include <host/command/links_command.h>
 #include <host/command/show_command.h>
 #include <host/failure.h>
 #include <host/terminal/output.h>
@@ -40,14 +44,23 @@ constexpr std::string_view mainExamples =
 Exit codes: 0 done, 1 could not be done, 2 wrong usage.)";
 
 constexpr std::string_view importExamples =
-    R"(Reads accounts.csv, products.csv, sales_teams.csv and sales_pipeline.csv. People become users, offices teams, accounts
-companies, products opportunity types, their series categories, and deals opportunities in the pipeline "Sales".
+    R"(Takes any number of these:
+  - the folder of a CRM export: accounts.csv, products.csv, sales_teams.csv and sales_pipeline.csv. People become users,
+    offices teams, accounts companies, products opportunity types, their series categories, and deals opportunities in
+    the pipeline "Sales".
+  - .vcf files: cards become contacts with their roles at companies.
+  - .ics files: events become appointments with their invitations, to-dos tasks, journal entries notes.
+  - .eml files: messages become emails, their attachments files.
+  - folders of such files, with the folders below them. Other files in them are left alone.
+Events, tasks and mail are linked with the contacts whose e-mail addresses occur in them, whichever came first.
 
-The import is done as a whole or not at all: a broken row is named, with its file, and nothing is changed. Importing
+An import is done as a whole or not at all. A broken row of a CRM export is named, with its file, and nothing is changed.
+A broken card, event or message is named with its file and line and left out; with --strict nothing is changed. Importing
 again updates what has changed; what is no longer in the files stays.
 
   kestrel import data/crm-sales-opportunities --database crm.db
-  kestrel import data/crm-sales-opportunities --database crm.db --json)";
+  kestrel import data/people --database crm.db
+  kestrel import contacts.vcf calendar.ics mail/ --database crm.db --strict --json)";
 
 constexpr std::string_view boardExamples =
     R"(Shows the deals that the user may read, by stage. Filters combine: a deal has to pass all of them.
@@ -68,6 +81,38 @@ constexpr std::string_view accessExamples =
 
   kestrel access Opportunity/42 --database crm.db --user moses.frase
   kestrel access Organization/7 --database crm.db --user administrator --json)";
+
+constexpr std::string_view contactExamples =
+    R"(Shows a contact's page: names, addresses, roles, relationships and who may see it. A contact is named by identifier, by
+its key, or by a name that only one contact has. What the user may not read of it is left out.
+
+  kestrel contact Contact/12 --database crm.db --user administrator
+  kestrel contact "Ada Lovelace" --database crm.db --user moses.frase
+  kestrel contact 12 --database crm.db --user administrator --locale ja
+  kestrel contact 12 --database crm.db --user administrator --json | jq .roles)";
+
+constexpr std::string_view contactsExamples =
+    R"(Lists the contacts that the user may read, by family name. A search finds the text in names, nicknames, companies and
+e-mail addresses, whatever its case; a number also finds phone numbers that have its digits in a row.
+
+  kestrel contacts --database crm.db --user administrator
+  kestrel contacts --database crm.db --user moses.frase --search cancity --limit 0
+  kestrel contacts --database crm.db --user administrator --search "+49 30 1234" --json)";
+
+constexpr std::string_view activityExamples =
+    R"(Says how many emails, appointments, notes, forms, files, links and tasks there are around the record, and shows the
+recent ones by day. The activity of a company is also that of its people.
+
+  kestrel activity Contact/12 --database crm.db --user administrator
+  kestrel activity Organization/7 --database crm.db --user moses.frase --limit 50
+  kestrel activity Opportunity/42 --database crm.db --user administrator --at 2017-12-31 --json)";
+
+constexpr std::string_view linksExamples =
+    R"(Lists the contacts that are linked to the record, and how: by a role at a company, on an opportunity or a project, by a
+relationship to the contact, or by an email that is filed with them.
+
+  kestrel links Organization/7 --database crm.db --user administrator
+  kestrel links Contact/12 --database crm.db --user moses.frase --json)";
 
 constexpr std::string_view showExamples =
     R"(Shows every member of the record that is present, and names the absent ones.
@@ -114,13 +159,15 @@ std::string boardFooter() {
                        boardExamples);
 }
 
-/// What is wrong with a number of cards; empty when nothing is.
-std::string cardCountProblem(const std::string& text) {
-    std::uint32_t count = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, problem] = std::from_chars(text.data(), end, count);
-    if (problem == std::errc() && stop == end) return {};
-    return fmt::format("\"{}\" is no number of cards", text);
+/// Says what is wrong with a number of things, in the plural; an empty text when nothing is.
+std::function<std::string(const std::string&)> countProblem(std::string_view things) {
+    return [things](const std::string& text) -> std::string {
+        std::uint32_t count = 0;
+        const char* const end = text.data() + text.size();
+        const auto [stop, problem] = std::from_chars(text.data(), end, count);
+        if (problem == std::errc() && stop == end) return {};
+        return fmt::format("\"{}\" is no number of {}", text, things);
+    };
 }
 
 /// The command line: fills the options of the command that is asked for.
@@ -135,6 +182,10 @@ class CommandLine {
         app_.failure_message(CLI::FailureMessage::simple);
         addImport();
         addBoard();
+        addContact();
+        addContacts();
+        addActivity();
+        addLinks();
         addAccess();
         addShow();
         addDecode();
@@ -157,7 +208,9 @@ class CommandLine {
         for (const auto& [command, runCommand] : commands_) {
             if (*command) return runCommand(output, terminal);
         }
-        throw WrongUsage("a command is required: import, board, access, show or decode" + helpHint());
+        throw WrongUsage(
+            "a command is required: import, board, contact, contacts, activity, links, access, show or decode" +
+            helpHint());
     }
 
   private:
@@ -192,15 +245,17 @@ class CommandLine {
     }
 
     void addImport() {
-        CLI::App* command = addCommand("import", "Import a CRM export of CSV files into a database",
-                                       std::string(importExamples), [this](Output& output, const Terminal& terminal) {
-                                           importCommand(import_, output, terminal);
-                                           return success;
-                                       });
-        command->add_option("DIRECTORY", import_.directory, "The folder of the CSV files")->required()->type_name("");
+        CLI::App* command =
+            addCommand("import", "Import a CRM export, address cards, calendars and mail into a database",
+                       std::string(importExamples), [this](Output& output, const Terminal& terminal) {
+                           importCommand(import_, output, terminal);
+                           return success;
+                       });
+        command->add_option("PATH", import_.paths, "Files and folders to import")->required()->type_name("...");
         command->add_option("-d,--database", import_.database, "The database; made when there is none")
             ->required()
             ->type_name("FILE");
+        command->add_flag("--strict", import_.isStrict, "Import nothing when a card, event or message is broken");
         addJSON(command, import_.isJSON);
     }
 
@@ -220,11 +275,73 @@ class CommandLine {
         command->add_option("--at", board_.at, "Look at this moment instead of now: a date, or a date and time")
             ->type_name("DATE");
         command->add_option("-n,--limit", board_.limit, "Cards to show of each column, 0 for all (10; with --json all)")
-            ->check(cardCountProblem)
+            ->check(countProblem("cards"))
             ->type_name("N");
         command->add_option("-c,--config", board_.config, "Read filter and order from the file, and leave them there")
             ->type_name("FILE");
         addJSON(command, board_.isJSON);
+    }
+
+    void addContact() {
+        CLI::App* command = addCommand("contact", "Show a contact's page as a user may see it",
+                                       std::string(contactExamples), [this](Output& output, const Terminal& terminal) {
+                                           contactCommand(contact_, output, terminal);
+                                           return success;
+                                       });
+        command->add_option("RECORD", contact_.record, "The contact: Contact/12, its key 12, or its name")
+            ->required()
+            ->type_name("");
+        addDatabase(command, contact_.database);
+        addUser(command, contact_.user);
+        command
+            ->add_option("-l,--locale", contact_.locale, "Write names as people of this locale do, such as de or ja_JP")
+            ->type_name("LOCALE");
+        addJSON(command, contact_.isJSON);
+    }
+
+    void addContacts() {
+        CLI::App* command = addCommand("contacts", "List contacts, or find some", std::string(contactsExamples),
+                                       [this](Output& output, const Terminal& terminal) {
+                                           contactsCommand(contacts_, output, terminal);
+                                           return success;
+                                       });
+        addDatabase(command, contacts_.database);
+        addUser(command, contacts_.user);
+        command->add_option("-s,--search", contacts_.search, "List only contacts that have this text")
+            ->type_name("TEXT");
+        command->add_option("-n,--limit", contacts_.limit, "Contacts to list, 0 for all (50; with --json all)")
+            ->check(countProblem("contacts"))
+            ->type_name("N");
+        addJSON(command, contacts_.isJSON);
+    }
+
+    void addActivity() {
+        CLI::App* command = addCommand("activity", "Show what happened around a record as a user may see it",
+                                       std::string(activityExamples), [this](Output& output, const Terminal& terminal) {
+                                           activityCommand(activity_, output, terminal);
+                                           return success;
+                                       });
+        addRecord(command, activity_.record);
+        addDatabase(command, activity_.database);
+        addUser(command, activity_.user);
+        command->add_option("-n,--limit", activity_.limit, "Items to show, 0 for all (20)")
+            ->check(countProblem("items"))
+            ->type_name("N");
+        command->add_option("--at", activity_.at, "Look at this moment instead of now: a date, or a date and time")
+            ->type_name("DATE");
+        addJSON(command, activity_.isJSON);
+    }
+
+    void addLinks() {
+        CLI::App* command = addCommand("links", "List the contacts that are linked to a record",
+                                       std::string(linksExamples), [this](Output& output, const Terminal& terminal) {
+                                           linksCommand(links_, output, terminal);
+                                           return success;
+                                       });
+        addRecord(command, links_.record);
+        addDatabase(command, links_.database);
+        addUser(command, links_.user);
+        addJSON(command, links_.isJSON);
     }
 
     void addAccess() {
@@ -278,6 +395,10 @@ class CommandLine {
     std::vector<std::pair<CLI::App*, Run>> commands_;
     ImportOptions import_;
     BoardOptions board_;
+    ContactOptions contact_;
+    ContactsOptions contacts_;
+    ActivityOptions activity_;
+    LinksOptions links_;
     AccessOptions access_;
     ShowOptions show_;
     DecodeOptions decode_;

@@ -2,17 +2,21 @@
 
 #include <host/terminal/output.h>
 #include <string>
+#include <vector>
 
 namespace kestrel::host {
 
-/// `kestrel import DIRECTORY --database FILE`.
+/// `kestrel import PATH... --database FILE`.
 struct ImportOptions {
-    std::string directory{};
+    std::vector<std::string> paths{};
     std::string database{};
+    /// A broken card, event, to-do, journal entry or message fails the whole import.
+    bool isStrict{};
     bool isJSON{};
 };
 
-/// Imports a CRM export and writes a report of it. A Failure leaves the database as it was.
+/// Imports CRM exports, address cards, calendars and mail, and writes a report of it; what was wrong with the files
+/// goes to standard error before, a line each. A Failure leaves the database as it was.
 void importCommand(const ImportOptions& options, Output& output, const Terminal& terminal);
 
 }  // namespace kestrel::host

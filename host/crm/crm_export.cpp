@@ -8,6 +8,7 @@
 #include <charconv>
 #include <map>
 #include <span>
+#include <system_error>
 #include <utility>
 
 namespace kestrel::host {
@@ -245,6 +246,13 @@ std::string usernameOf(std::string_view name) {
     std::string username = foldedCase(name);
     std::ranges::replace(username, ' ', '.');
     return username;
+}
+
+bool hasCRMExport(const std::filesystem::path& folder) {
+    return std::ranges::any_of(std::array{accountsFile, productsFile, teamsFile, pipelineFile}, [&](auto file) {
+        std::error_code ignored;
+        return std::filesystem::exists(folder / file, ignored);
+    });
 }
 
 CRMExport readCRMExport(const std::filesystem::path& folder) {

@@ -78,6 +78,9 @@ struct CRMExport {
 /// The name of the user who administers an imported database and is in no file.
 inline constexpr std::string_view administratorName = "Administrator";
 
+/// Whether a folder has one of the files of an export in it.
+[[nodiscard]] bool hasCRMExport(const std::filesystem::path& folder);
+
 /// Reads the export in a folder. The first row that is broken, or contradicts another, is a Failure that names file,
 /// row and reason; so is a file that is missing.
 [[nodiscard]] CRMExport readCRMExport(const std::filesystem::path& folder);

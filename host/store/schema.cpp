@@ -157,6 +157,14 @@ CREATE TABLE "ImportSource"(
   id INTEGER NOT NULL,
   PRIMARY KEY(entity, source)
 ) STRICT, WITHOUT ROWID;
+CREATE TABLE "AddressUse"(
+  entity TEXT NOT NULL,
+  id INTEGER NOT NULL,
+  address TEXT NOT NULL,
+  PRIMARY KEY(entity, id, address)
+) STRICT, WITHOUT ROWID;
+CREATE INDEX "AddressUse.address" ON "AddressUse"(address, entity, id);
+CREATE TABLE "EmbeddedKey"(entity TEXT NOT NULL, lastID INTEGER NOT NULL, PRIMARY KEY(entity)) STRICT, WITHOUT ROWID;
 )sql";
 
 /// What makes each version of the one before it; the first makes version 1 of an empty database. A step that has been

@@ -8,7 +8,9 @@
 /// and between them stand copies of those keys of other records that joins and the database's own checks need. What a
 /// record says is in its keyed form; a member that the library adds needs no new column. Tables called like two record
 /// types link their records; all other links stand in "RecordLink" (host/store/record_links.h). "ImportSource" tells
-/// which record came of what an imported file calls its entry.
+/// which record came of what an imported file calls its entry, "AddressUse" which e-mail addresses, in lower case,
+/// occur in what an imported record was made of, and "EmbeddedKey" the last key that was given to a record that lies
+/// within others, such as a phone.
 namespace kestrel::host {
 
 /// The version of the schema below, kept in the database's `user_version`.

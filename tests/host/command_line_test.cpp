@@ -21,7 +21,8 @@ TEST(CommandLine, teachesByItsHelp) {
     const Outcome main = kestrel({"--help"});
     EXPECT_EQ(main.exitCode, 0);
     EXPECT_EQ(main.errors, "");
-    for (const auto* command : {"import", "board", "access", "show", "decode"}) {
+    for (const auto* command :
+         {"import", "board", "contact", "contacts", "activity", "links", "access", "show", "decode"}) {
         EXPECT_THAT(main.output, HasSubstr("\n  " + std::string(command) + " "));
         const Outcome help = kestrel({command, "--help"});
         EXPECT_EQ(help.exitCode, 0);

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Statement.h>
+#include <host/store/record_links.h>
+#include <kestrel/identity/any_object_id.h>
+#include <kestrel/invitations/meeting_invite.h>
+#include <cstddef>
+#include <functional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace kestrel::host {
+
+/// Which e-mail addresses occur in which record: those of a contact, and those that a message, an appointment, a task,
+/// a note, a file or an invitation is from or for. Must be gone before the database is closed.
+class AddressUses {
+  public:
+    explicit AddressUses(SQLite::Database& database);
+
+    /// Makes these, in lower case, the addresses of a record.
+    void set(const AnyObjectID& record, std::vector<std::string> addresses);
+
+    /// Links records with the contacts of their addresses, wherever one of the two has changed its addresses since the
+    /// last call. Calls `linked` with the key of every invitation that got a contact. How many links were added.
+    std::size_t link(RecordLinks& links, const std::function<void(const ObjectID<MeetingInvite>&)>& linked);
+
+  private:
+    [[nodiscard]] std::vector<std::string> addressesOf(const AnyObjectID& record);
+    [[nodiscard]] std::vector<AnyObjectID> usersOf(const std::string& address);
+
+    SQLite::Statement addresses_;
+    SQLite::Statement users_;
+    SQLite::Statement add_;
+    SQLite::Statement remove_;
+    std::set<AnyObjectID> changed_;
+};
+
+}  // namespace kestrel::host

@@ -1,0 +1,71 @@
+#include <host/people/calendar_importer.h>
+#include <host/people/card_importer.h>
+#include <host/people/icalendar_reader.h>
+#include <host/people/mail_importer.h>
+#include <host/people/mail_reader.h>
+#include <host/people/people_importer.h>
+#include <host/people/quiet_libraries.h>
+#include <host/people/vcard_reader.h>
+#include <host/terminal/file.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace kestrel::host {
+
+bool PeopleReport::isAllUnchanged() const {
+    return linksAdded == 0 && std::ranges::all_of(counts, [](const EntryCounts& ofKind) {
+               return ofKind.added == 0 && ofKind.changed == 0;
+           });
+}
+
+PersonalData readPersonalFiles(const std::vector<PersonalFile>& files, const PeopleProgress& progress) {
+    const QuietLibraries quiet;
+    PersonalData data;
+    VCardReader cards(data.problems);
+    ICalendarReader calendars(data.problems);
+    MailReader mail(data.problems);
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        const PersonalFile& file = files[i];
+        data.problems.beginFile(file.path.native());
+        switch (file.kind) {
+            case PersonalFileKind::cards: cards.read(file.path.native(), readFile(file.path)); break;
+            case PersonalFileKind::calendar: calendars.read(file.path.native(), readFile(file.path)); break;
+            case PersonalFileKind::message: mail.read(file.path.native(), readFile(file.path)); break;
+        }
+        if (progress) progress(i + 1, files.size());
+    }
+    data.cards = std::move(cards.cards());
+    data.entries = std::move(calendars.entries());
+    data.messages = std::move(mail.messages());
+    data.found[static_cast<std::size_t>(EntryKind::card)] = cards.found();
+    data.found[static_cast<std::size_t>(EntryKind::message)] = mail.found();
+    for (const EntryKind kind : {EntryKind::event, EntryKind::toDo, EntryKind::journal})
+        data.found[static_cast<std::size_t>(kind)] = calendars.found(kind);
+    return data;
+}
+
+PeopleReport importPeople(PersonalData& data, SQLite::Database& database) {
+    ImportStore store(database, data.problems);
+    importCards(data.cards, store);
+    importCalendarEntries(data.entries, store);
+    importMessages(data.messages, store);
+    PeopleReport report;
+    RecordStore<MeetingInvite> invites(database);
+    report.linksAdded = store.addresses().link(store.links(), [&](const ObjectID<MeetingInvite>& id) {
+        const auto before = invites.find(*id.value());
+        if (!before || before->inviteType != MeetingInviteType::external) return;
+        MeetingInvite invite = *before;
+        invite.inviteType = MeetingInviteType::contact;
+        invites.write(invite, before);
+    });
+    store.finish();
+    for (std::size_t kind = 0; kind < entryKindCount; ++kind) {
+        EntryCounts& counts = report.counts[kind] = store.counts(static_cast<EntryKind>(kind));
+        counts.found = data.found[kind];
+        counts.refused = data.problems.refused(static_cast<EntryKind>(kind));
+    }
+    return report;
+}
+
+}  // namespace kestrel::host
