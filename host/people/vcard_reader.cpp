@@ -35,9 +35,13 @@ struct ContentLine {
             return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' || c == '_' ||
                    c == '.';
         };
-        return text.contains(':') && std::ranges::all_of(name(), isNameCharacter) &&
-               std::ranges::count(name(), '.') < 2 && !name().empty() && !name().starts_with('.') &&
-               !name().ends_with('.');
+        bool isQuoted = false;
+        const bool hasValue = std::ranges::any_of(text, [&](char c) {
+            isQuoted ^= c == '"';
+            return c == ':' && !isQuoted;
+        });
+        return hasValue && std::ranges::all_of(name(), isNameCharacter) && std::ranges::count(name(), '.') < 2 &&
+               !name().empty() && !name().starts_with('.') && !name().ends_with('.');
     }
 };
 
