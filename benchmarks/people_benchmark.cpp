@@ -67,7 +67,9 @@ class Generator {
             Contact contact{.contactID = key, .priority = ContactPriority::p5};
             const std::string& first = numbers_.oneOf(firstNames);
             const std::string last = numbers_.oneOf(lastNames) + numbers_.oneOf(lastEnds);
+            // One can be asked for by name.
             contact.setName({.first = first, .last = last});
+            if (key == contactCount / 2) contact.setName({.first = "Adeline", .last = "Featherstonehaugh"});
             contact.phones = {{.phoneID = key, .number = fmt::format("+49 30 {:07}", numbers_.below(10'000'000))}};
             contact.electronicAddresses = {
                 {.electronicAddressID = key, .address = fmt::format("{}.{}@mail{}.example", first, last, key)}};
@@ -229,6 +231,7 @@ void measureAll() {
     const auto contactKey = [](int i) { return fmt::format("Contact/{}", 1 + i * 997); };
     const auto companyKey = [](int i) { return fmt::format("Organization/{}", 1 + i * 4); };
     measure("contact Contact/N", database, [&](int i) { return Arguments{"contact", contactKey(i)}; });
+    measure("contact, a name", database, [](int) { return Arguments{"contact", "adeline featherstonehaugh"}; });
     measure("activity Contact/N", database, [&](int i) { return Arguments{"activity", contactKey(i)}; });
     measure("activity Organization/N", database, [&](int i) { return Arguments{"activity", companyKey(i)}; });
     measure("links Organization/N", database, [&](int i) { return Arguments{"links", companyKey(i)}; });

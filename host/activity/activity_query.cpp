@@ -1,4 +1,5 @@
 #include <host/activity/activity_query.h>
+#include <host/terminal/day_text.h>
 
 #include <algorithm>
 #include <compare>
@@ -99,6 +100,7 @@ class Summariser {
   public:
     Summariser(ReadableRecords& records, const ActivitySourceID& source, const CalendarMoment& at, std::size_t limit)
         : records_(&records),
+          calendar_(at.calendar),
           now_(at.now),
           end_(at.calendar.startOf(at.calendar.dayOf(at.now) + std::chrono::days(1))),
           limit_(limit == 0 ? std::numeric_limits<std::size_t>::max() : limit),
@@ -191,8 +193,8 @@ class Summariser {
     }
     void addTimeblocks() {
         summary_.timeblocks.recent = newest<Timeblock>(
-            [](const Timeblock& appointment) { return appointment.startDate; }, summary_.timeblocks.total,
-            [](Timeblock&& appointment) { return TimeblockItem{std::move(appointment)}; });
+            [this](const Timeblock& appointment) { return shownStart(appointment, calendar_); },
+            summary_.timeblocks.total, [](Timeblock&& appointment) { return TimeblockItem{std::move(appointment)}; });
     }
     void addTasks() {
         TasksSummary& tasks = summary_.tasks;
@@ -264,6 +266,7 @@ class Summariser {
     }
 
     ReadableRecords* records_;
+    Calendar calendar_;
     Date now_;
     /// The first moment after the day of `now_`.
     Date end_;

@@ -9,6 +9,8 @@
 #include <host/terminal/text.h>
 
 #include <algorithm>
+#include <functional>
+#include <map>
 #include <string_view>
 #include <vector>
 
@@ -116,6 +118,17 @@ std::string dayHeading(std::chrono::local_days day, const CalendarMoment& at) {
     return fmt::format("{}{}", word, weekdayText(day));
 }
 
+/// When an item is dated, for somebody who looks at it in a calendar.
+Date shownDate(const ActivityItem& item, const Calendar& calendar) {
+    const auto* appointment = item.timeblock();
+    return appointment != nullptr ? shownStart(*appointment->timeblock, calendar).value() : item.date().value();
+}
+/// The first moment of the day under which an item is listed.
+Date dayStart(const ActivityItem& item, const Calendar& calendar) {
+    const Date date = shownDate(item, calendar);
+    return isReachable(date) ? calendar.startOfDay(date) : date;
+}
+
 /// The time of day of an item; empty for what is dated to a whole day.
 std::string itemTime(const ActivityItem& item, const Calendar& calendar) {
     const Date date = item.date().value();
@@ -165,14 +178,17 @@ std::string rendered(const ActivityPicture& picture, const Terminal& terminal) {
     std::string text = styled(fmt::format("Activity of {}", printable(picture.title)), boldStyle, terminal) +
                        fmt::format(" as {} sees it\n", printable(picture.userName)) + totalsText(summary);
 
-    const std::vector<ActivityItem> items = summary.recent();
+    // Whole days of other zones belong to another day than their first moment does.
+    std::multimap<Date, ActivityItem, std::greater<>> items;
+    for (const ActivityItem& item : summary.recent())
+        items.emplace(dayStart(item, picture.at.calendar), item);
     if (items.empty()) return text + "\nnothing recent\n";
     const ItemDescriber describe(picture.at);
     // The columns are those of all days.
     Table table(4);
     std::vector<std::string> headings;
-    for (const ActivityItem& item : items) {
-        const Date date = item.date().value();
+    for (const auto& [day, item] : items) {
+        const Date date = shownDate(item, picture.at.calendar);
         const bool isInCalendar = isReachable(date);
         headings.push_back(isInCalendar ? dayHeading(picture.at.calendar.dayOf(date), picture.at) : date.description());
         const ItemText shown = item.match(describe);

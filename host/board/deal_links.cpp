@@ -2,6 +2,7 @@
 #include <host/contact/contact_names.h>
 #include <host/store/record_links.h>
 #include <host/store/record_table.h>
+#include <host/terminal/day_text.h>
 #include <kestrel/relationships/any_role.h>
 
 #include <map>
@@ -28,11 +29,11 @@ class UpcomingItems {
             if (task.isClosed() || !task.dueDate) return std::nullopt;
             return Upcoming{.task = Upcoming::NextTask{.dueDate = *task.dueDate, .id = task.objectID()}};
         });
-        gather<Timeblock>([](const Timeblock& appointment) -> std::optional<Upcoming> {
-            if (appointment.status == TimeblockStatus::cancelled || !appointment.startDate) return std::nullopt;
-            return Upcoming{.appointment = Upcoming::NextAppointment{.startDate = *appointment.startDate,
-                                                                     .id = appointment.objectID(),
-                                                                     .isAllDay = appointment.isAllDay}};
+        gather<Timeblock>([&](const Timeblock& appointment) -> std::optional<Upcoming> {
+            const std::optional<Date> start = shownStart(appointment, at.calendar);
+            if (appointment.status == TimeblockStatus::cancelled || !start) return std::nullopt;
+            return Upcoming{.appointment = Upcoming::NextAppointment{
+                                .startDate = *start, .id = appointment.objectID(), .isAllDay = appointment.isAllDay}};
         });
     }
 

@@ -24,6 +24,7 @@ struct Upcoming {
         friend auto operator<=>(const NextTask&, const NextTask&) = default;
     };
     struct NextAppointment {
+        /// In the calendar of whoever looks at it.
         Date startDate;
         ObjectID<Timeblock> id;
         bool isAllDay;

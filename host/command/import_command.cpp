@@ -79,12 +79,10 @@ std::string reportText(const PeopleReport& report) {
 }
 
 std::string reportJSON(const std::vector<ImportedExport>& exports, const std::optional<PeopleReport>& people,
-                       const ImportProblems& problems) {
+                       const ImportProblems& problems, bool isUnchanged) {
     JSONObject records;
     std::vector<std::string> mended;
-    bool isUnchanged = !people || people->isAllUnchanged();
     for (const auto& [exported, report] : exports) {
-        isUnchanged &= report.isAllUnchanged();
         for (const ImportReport::Line& line : report.lines) {
             records.add(
                 line.recordName,
@@ -154,8 +152,10 @@ void importCommand(const ImportOptions& options, Output& output, const Terminal&
             fmt::format("{} broken {}: nothing has been imported", counted(count), count == 1 ? "entry" : "entries"));
     }
     std::optional<PeopleReport> people;
+    bool isUnchanged = false;
     withDatabase(options.database, [&] {
         WritingStore store(options.database);
+        const auto before = store.database().getTotalChanges();
         {
             ProgressBar bar("Importing");
             const auto show = [&](std::size_t deals, std::size_t total) { bar.show(deals, total); };
@@ -163,26 +163,25 @@ void importCommand(const ImportOptions& options, Output& output, const Terminal&
                 exported.report = importCRM(exported.data, store.database(), show);
             if (!paths.files.empty()) people = importPeople(personal, store.database());
         }
+        // Also what no line of the report counts, such as a new relationship between known people.
+        isUnchanged = store.database().getTotalChanges() == before;
         store.commit();
     });
     writeProblems(personal.problems);
     if (options.isJSON) {
-        writeJSONLine(reportJSON(exports, people, personal.problems), output, terminal);
+        writeJSONLine(reportJSON(exports, people, personal.problems, isUnchanged), output, terminal);
         return;
     }
     std::string text;
-    bool isUnchanged = true;
     for (std::size_t i = 0; i < exports.size(); ++i) {
         text +=
             fmt::format("Imported {} into {}\n\n", printable(paths.exports[i].native()), printable(options.database));
         text += reportText(exports[i].report, exports[i].data);
-        isUnchanged &= exports[i].report.isAllUnchanged();
     }
     if (people) {
         text += fmt::format("{}Imported {} {} into {}\n\n", text.empty() ? "" : "\n", counted(paths.files.size()),
                             paths.files.size() == 1 ? "file" : "files", printable(options.database));
         text += reportText(*people);
-        isUnchanged &= people->isAllUnchanged();
     }
     if (isUnchanged) text += "Everything was unchanged: nothing has been written.\n";
     output.write(text);

@@ -78,15 +78,25 @@ ObjectID<Contact> contactCalled(ReadableRecords& records, std::string_view text,
     }
     const std::string wanted = foldedCase(text);
     std::vector<ObjectID<Contact>> found;
-    std::vector<std::string> names;
     records.forEach<Contact>([&](const Contact& contact) {
-        const Name name = contact.name();
-        const auto spellings = foldedNames(name, locale);
+        // Every spelling has one of these in it; most contacts are told apart by that alone.
+        const auto occurs = [&](const std::optional<std::string>& part) {
+            return part && !part->empty() && wanted.find(foldedCase(*part)) != std::string::npos;
+        };
+        const bool mayBe = occurs(contact.lastName) || occurs(contact.firstName) || occurs(contact.nickname) ||
+                           occurs(contact.alias) || occurs(contact.middleName) || occurs(contact.prefix) ||
+                           occurs(contact.suffix);
+        if (!mayBe) return;
+        const auto spellings = foldedNames(contact.name(), locale);
         if (std::ranges::find(spellings, wanted) != spellings.end()) found.push_back(contact.objectID());
-        if (found.empty()) names.push_back(shownName(contact.objectID(), name, locale));
     });
     if (found.size() == 1) return found.front();
-    if (found.empty()) refuseName(text, names);
+    if (found.empty()) {
+        std::vector<std::string> names;
+        records.forEach<Contact>(
+            [&](const Contact& contact) { names.push_back(shownName(contact.objectID(), contact.name(), locale)); });
+        refuseName(text, names);
+    }
     std::vector<std::string> identifiers;
     for (const auto& id : found)
         identifiers.push_back(id.stringValue());

@@ -8,7 +8,7 @@
 namespace kestrel::host {
 namespace {
 
-/// The records that links may point at.
+/// The records that links of contacts point at. Those of other types are what contacts were part of: their activity.
 template <class... Records>
 struct Targets {
     /// Calls `visit.operator()<Record>()` for every type.
@@ -17,8 +17,7 @@ struct Targets {
         (visit.template operator()<Records>(), ...);
     }
 };
-using LinkTargets =
-    Targets<Contact, Company, Opportunity, Project, Email, Note, Task, Timeblock, Form, FileAttachment, URLReference>;
+using LinkTargets = Targets<Contact, Company, Opportunity, Project, Email>;
 
 template <class Record>
 LinkTarget targetOf(const ObjectID<Record>& id) {
@@ -27,12 +26,6 @@ LinkTarget targetOf(const ObjectID<Record>& id) {
     if constexpr (std::is_same_v<Record, Opportunity>) return LinkTarget::opportunity(id);
     if constexpr (std::is_same_v<Record, Project>) return LinkTarget::project(id);
     if constexpr (std::is_same_v<Record, Email>) return LinkTarget::email(id);
-    if constexpr (std::is_same_v<Record, Note>) return LinkTarget::note(id);
-    if constexpr (std::is_same_v<Record, Task>) return LinkTarget::task(id);
-    if constexpr (std::is_same_v<Record, Timeblock>) return LinkTarget::appointment(id);
-    if constexpr (std::is_same_v<Record, Form>) return LinkTarget::form(id);
-    if constexpr (std::is_same_v<Record, FileAttachment>) return LinkTarget::file(id);
-    if constexpr (std::is_same_v<Record, URLReference>) return LinkTarget::urlReference(id);
 }
 
 /// The contact that a role or a relationship is of, when the user may see it.

@@ -516,10 +516,6 @@ class Importer {
 
 }  // namespace
 
-bool ImportReport::isAllUnchanged() const {
-    return std::ranges::all_of(lines, [](const Line& line) { return line.added == 0 && line.changed == 0; });
-}
-
 ImportReport importCRM(const CRMExport& exported, SQLite::Database& database, const ImportProgress& progress) {
     return Importer(exported, database).run(progress);
 }

@@ -21,8 +21,6 @@ struct ImportReport {
         std::size_t unchanged{};
     };
     std::vector<Line> lines{};
-
-    [[nodiscard]] bool isAllUnchanged() const;
 };
 
 /// Told how many deals are done, of how many.

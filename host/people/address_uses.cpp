@@ -22,14 +22,14 @@ AddressUses::AddressUses(SQLite::Database& database)
       add_(database, "INSERT INTO \"AddressUse\"(entity, id, address) VALUES(?, ?, ?)"),
       remove_(database, "DELETE FROM \"AddressUse\" WHERE entity = ? AND id = ?") {}
 
-void AddressUses::set(const AnyObjectID& record, std::vector<std::string> addresses) {
+bool AddressUses::set(const AnyObjectID& record, std::vector<std::string> addresses) {
     for (std::string& address : addresses)
         address = inLowerCase(trimmed(address));
     std::erase_if(addresses, [](const std::string& address) { return !address.contains('@'); });
     std::ranges::sort(addresses);
     const auto repeated = std::ranges::unique(addresses);
     addresses.erase(repeated.begin(), repeated.end());
-    if (addresses == addressesOf(record)) return;
+    if (addresses == addressesOf(record)) return false;
     changed_.insert(record);
     bindRecord(remove_, record);
     remove_.exec();
@@ -38,6 +38,7 @@ void AddressUses::set(const AnyObjectID& record, std::vector<std::string> addres
         add_.bind(3, address);
         add_.exec();
     }
+    return true;
 }
 
 std::size_t AddressUses::link(RecordLinks& links, const std::function<void(const ObjectID<MeetingInvite>&)>& linked) {

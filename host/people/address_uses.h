@@ -19,8 +19,8 @@ class AddressUses {
   public:
     explicit AddressUses(SQLite::Database& database);
 
-    /// Makes these, in lower case, the addresses of a record.
-    void set(const AnyObjectID& record, std::vector<std::string> addresses);
+    /// Makes these, in lower case, the addresses of a record. Whether it had others.
+    bool set(const AnyObjectID& record, std::vector<std::string> addresses);
 
     /// Links records with the contacts of their addresses, wherever one of the two has changed its addresses since the
     /// last call. Calls `linked` with the key of every invitation that got a contact. How many links were added.

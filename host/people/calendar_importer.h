@@ -10,7 +10,10 @@ namespace kestrel::host {
 /// written over what there was.
 ///
 /// - An event becomes an appointment, a to-do a task, a journal entry a note. Each is found again by its identifier and
-///   the occurrence that it stands for; one without an identifier by what and when it is.
+///   the occurrence that it stands for; one without an identifier by what and when it is. Days and times are compared
+///   as the file has them, so that those without a zone are the same ones in every zone.
+/// - An entry that is older than the record that came of it is left out with a warning.
+/// - What has other exceptions, invitations or addresses than before has changed.
 /// - An entry that stands for one occurrence of a series is a record of its own, with `repeatOriginalDate`, and an
 ///   exception of the series, as are the occurrences that the series leaves out.
 /// - Everybody who is invited to an event becomes an invitation. Those whom an entry names are linked to it by their

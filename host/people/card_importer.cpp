@@ -5,7 +5,10 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <set>
+#include <tuple>
+#include <utility>
 
 namespace kestrel::host {
 namespace {
@@ -281,7 +284,9 @@ class CardImporter {
         Contact contact = before ? *before
                                  : Contact{.contactID = key,
                                            .createDate = card.created ? card.created : card.revised,
-                                           .modifyDate = card.revised ? card.revised : card.created};
+                                           .modifyDate = card.revised ? card.revised : card.created,
+                                           // A card says nothing of it: neither inactive nor high.
+                                           .priority = ContactPriority::p5};
         mergeName(contact, card);
         mergeAddresses(contact, card);
         if (card.birthday) contact.setBirthDate(card.birthday);
@@ -477,21 +482,45 @@ class CardImporter {
                 });
         }
         if (areRelated(from, to, type) || (isKnown && rule->isSymmetric() && areRelated(to, from, type))) return;
+        related_.emplace(from, to, keyOf(type));
         const AnyRelationship relationship{.relationID = relationships_.newKey(), .relationshipType = type};
         relationships_.write(relationship, std::nullopt);
         store_.links().add(relationship.objectID(), LinkKind::source, ObjectID<Contact>(from));
         store_.links().add(relationship.objectID(), LinkKind::destination, ObjectID<Contact>(to));
     }
 
+    static std::optional<std::int64_t> keyOf(const std::optional<RelationshipType>& type) {
+        return type ? type->objectID().value() : std::nullopt;
+    }
+
     bool areRelated(std::int64_t from, std::int64_t to, const std::optional<RelationshipType>& type) {
-        const auto linked = store_.links().linked<AnyRelationship>(LinkKind::source, ObjectID<Contact>(from));
-        return std::ranges::any_of(linked, [&](const ObjectID<AnyRelationship>& id) {
-            if (store_.links().target<Contact>(id, LinkKind::destination) != ObjectID<Contact>(to)) return false;
-            const auto relationship = relationships_.find(*id.value());
-            if (!relationship) return false;
-            const auto& there = relationship->relationshipType;
-            return there.has_value() == type.has_value() && (!type || there->objectID() == type->objectID());
-        });
+        loadRelationships();
+        if (const auto pair = unreadRelationships_.find({from, to}); pair != unreadRelationships_.end()) {
+            for (const std::int64_t key : pair->second) {
+                if (const auto relationship = relationships_.find(key))
+                    related_.emplace(from, to, keyOf(relationship->relationshipType));
+            }
+            unreadRelationships_.erase(pair);
+        }
+        return related_.contains({from, to, keyOf(type)});
+    }
+
+    /// Only when somebody is related: once, for somebody may be related to everybody.
+    void loadRelationships() {
+        if (areRelationshipsLoaded_) return;
+        areRelationshipsLoaded_ = true;
+        SQLite::Statement rows(store_.database(),
+                               "SELECT source.targetID, destination.targetID, source.id FROM \"RecordLink\" source "
+                               "JOIN \"RecordLink\" destination ON destination.entity = source.entity "
+                               "AND destination.id = source.id AND destination.kind = 'destination' "
+                               "AND destination.targetEntity = ?2 "
+                               "WHERE source.entity = ?1 AND source.kind = 'source' AND source.targetEntity = ?2");
+        rows.bind(1, std::string(entityNameOf<AnyRelationship>));
+        rows.bind(2, std::string(entityNameOf<Contact>));
+        while (rows.executeStep()) {
+            const std::pair pair(rows.getColumn(0).getInt64(), rows.getColumn(1).getInt64());
+            unreadRelationships_[pair].push_back(rows.getColumn(2).getInt64());
+        }
     }
 
     const std::vector<ContactCard>& cards_;
@@ -507,6 +536,11 @@ class CardImporter {
     std::vector<EntryChoice> choices_;
     /// The contact of each card that counts and is of a person.
     std::vector<std::optional<std::int64_t>> keys_;
+    /// The keys of the relationships that the database has from one contact to another, and that nobody asked for yet.
+    std::map<std::pair<std::int64_t, std::int64_t>, std::vector<std::int64_t>> unreadRelationships_;
+    /// From whom to whom, and the type.
+    std::set<std::tuple<std::int64_t, std::int64_t, std::optional<std::int64_t>>> related_;
+    bool areRelationshipsLoaded_ = false;
 };
 
 }  // namespace

@@ -1,3 +1,4 @@
+#include <fmt/format.h>
 #include <glib.h>
 #include <host/people/file_text.h>
 #include <host/people/library_objects.h>
@@ -130,14 +131,24 @@ std::string digestOf(std::string_view text) {
 }
 
 std::vector<TextLine> linesOf(std::string_view text) {
-    const char end = text.contains('\n') ? '\n' : '\r';
     std::vector<TextLine> lines;
-    for (std::string_view line : split(text, end)) {
-        if (line.ends_with('\r')) line.remove_suffix(1);
-        lines.push_back({.number = lines.size() + 1, .text = line});
+    while (!text.empty()) {
+        const auto end = text.find_first_of("\r\n");
+        lines.push_back({.number = lines.size() + 1, .text = text.substr(0, end)});
+        if (end == text.npos) break;
+        const auto next = text.find_first_not_of('\r', end);
+        const bool endsInLineFeed = next != text.npos && text[next] == '\n';
+        text.remove_prefix(endsInLineFeed ? next + 1 : end + 1);
     }
-    if (lines.back().text.empty()) lines.pop_back();
     return lines;
+}
+
+void unindentLike(std::vector<TextLine>& lines, std::size_t index) {
+    const std::string_view text = lines[index].text;
+    const std::string_view blank = text.substr(0, text.find_first_not_of(" \t"));
+    if (blank.empty()) return;
+    for (++index; index < lines.size() && lines[index].text.starts_with(blank); ++index)
+        lines[index].text.remove_prefix(blank.size());
 }
 
 std::string begunBy(std::string_view line) {
@@ -146,6 +157,23 @@ std::string begunBy(std::string_view line) {
 
 std::string endedBy(std::string_view line) {
     return componentOf(line, "END");
+}
+
+void RepeatedWarning::warn(std::size_t line, std::string message) {
+    constexpr std::size_t most = 5;
+    if (told_ < most) {
+        ++told_;
+        problems_->warn(file_.at(line), std::move(message));
+    } else {
+        ++untold_;
+        lastLine_ = line;
+    }
+}
+
+void RepeatedWarning::finish() {
+    if (untold_ == 0) return;
+    problems_->warn(file_.at(lastLine_),
+                    fmt::format("{} more {} {}", untold_, untold_ == 1 ? words_.one : words_.several, words_.what));
 }
 
 }  // namespace kestrel::host

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <host/people/import_problems.h>
 #include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 /// The text of files that other programs wrote, in whatever encoding, as lines.
@@ -46,11 +48,42 @@ struct TextLine {
     [[nodiscard]] bool isContinuation() const { return !text.empty() && (text.front() == ' ' || text.front() == '\t'); }
 };
 
-/// The lines of a text, which end in LF, CR LF or, where there is no LF at all, CR. They point into the text.
+/// The lines of a text, each of which ends in LF, CR LF or CR. They point into the text. Several CR in front of a LF
+/// are one end: programs that end lines twice write them.
 [[nodiscard]] std::vector<TextLine> linesOf(std::string_view text);
+/// Takes the blanks that a line has in front off the lines behind it, up to the first one that does not start with
+/// them.
+void unindentLike(std::vector<TextLine>& lines, std::size_t index);
 
 /// The component that a line such as "BEGIN:VCARD" begins, or "END:VCARD" ends, in upper case; empty for other lines.
 [[nodiscard]] std::string begunBy(std::string_view line);
 [[nodiscard]] std::string endedBy(std::string_view line);
+
+/// A warning that a broken file would give for line after line: told for the first few, and then as a number.
+class RepeatedWarning {
+  public:
+    /// What the others are told as, such as "line is" and "lines are".
+    struct Words {
+        std::string_view one;
+        std::string_view several;
+        std::string_view what;
+    };
+
+    RepeatedWarning(ImportProblems& problems, FilePlace file, Words words)
+        : problems_(&problems), file_(std::move(file)), words_(words) {}
+
+    void warn(std::size_t line, std::string message);
+    /// Tells how many more there were.
+    void finish();
+
+  private:
+    ImportProblems* problems_;
+    FilePlace file_;
+    Words words_;
+    std::size_t told_ = 0;
+    std::size_t untold_ = 0;
+    /// Of those that are not told.
+    std::size_t lastLine_ = 0;
+};
 
 }  // namespace kestrel::host

@@ -212,7 +212,12 @@ class EntryBuilder {
         if (parsedComponent) {
             forEachProperty(parsedComponent.get(), [&](icalproperty* property, std::size_t line) {
                 seen.insert(line);
-                if (icalproperty_isa(property) == ICAL_DTSTART_PROPERTY) start_ = timeOf(property, line);
+                if (icalproperty_isa(property) != ICAL_DTSTART_PROPERTY) return;
+                if (start_) {
+                    warnUnusable(property, line, "is a second start");
+                } else {
+                    start_ = timeOf(property, line);
+                }
             });
             forEachProperty(parsedComponent.get(),
                             [&](icalproperty* property, std::size_t line) { take(property, line); });
@@ -251,8 +256,8 @@ class EntryBuilder {
                                reason));
     }
     [[nodiscard]] std::string_view plainValueAt(std::size_t line) const {
-        const auto found = std::ranges::find(component_.lines, line, &ContentLine::number);
-        return found == component_.lines.end() ? std::string_view() : found->plainValue();
+        const auto found = std::ranges::lower_bound(component_.lines, line, {}, &ContentLine::number);
+        return found == component_.lines.end() || found->number != line ? std::string_view() : found->plainValue();
     }
 
     /// The time of a property; absent with a warning when there is no such time.
@@ -387,9 +392,9 @@ class EntryBuilder {
                                          .role = inUpperCase(parameterOf(property, "ROLE")),
                                          .participation = inUpperCase(parameterOf(property, "PARTSTAT")),
                                          .type = inUpperCase(parameterOf(property, "CUTYPE"))};
-        const bool isThere = std::ranges::any_of(
-            entry_.attendees, [&](const auto& other) { return isSameWord(other.address, attendee.address); });
-        if (!isThere && !(attendee.address.empty() && attendee.name.empty())) entry_.attendees.push_back(attendee);
+        if (attendee.address.empty() && attendee.name.empty()) return;
+        const bool isNew = attendeeAddresses_.insert(inLowerCase(attendee.address)).second;
+        if (isNew) entry_.attendees.push_back(std::move(attendee));
     }
 
     void addRuleText(icalproperty* property) {
@@ -513,6 +518,8 @@ class EntryBuilder {
     std::optional<ZonedTime> end_;
     std::optional<icaldurationtype> duration_;
     std::vector<std::string> ruleTexts_;
+    /// In lower case.
+    std::set<std::string> attendeeAddresses_;
 };
 
 /// Frames a file into components: their ends are looked for here, so that a broken one spoils no other.
@@ -520,15 +527,24 @@ class CalendarFramer {
   public:
     CalendarFramer(const std::string& file, std::string_view text, ImportProblems& problems,
                    std::vector<CalendarEntry>& entries, std::array<std::size_t, entryKindCount>& found)
-        : place_{.file = file}, lines_(linesOf(text)), problems_(problems), entries_(entries), found_(found) {}
+        : place_{.file = file},
+          lines_(linesOf(text)),
+          problems_(problems),
+          entries_(entries),
+          found_(found),
+          foreign_(problems, place_, {"line is", "lines are", "not UTF-8; taken as Windows-1252"}),
+          outside_(problems, place_, {"part stands", "parts stand", "outside of a calendar; left out"}) {}
 
     void frame() {
         while (next_ < lines_.size()) {
             const TextLine& line = lines_[next_];
-            if (const std::string begun = begunBy(line.text); !begun.empty()) {
+            // Within a component white space in front continues a property.
+            const std::string_view text = open_.empty() ? trimmed(line.text) : line.text;
+            if (const std::string begun = begunBy(text); !begun.empty()) {
+                if (open_.empty()) unindentLike(lines_, next_);
                 ++next_;
                 begin(begun, line.number);
-            } else if (const std::string ended = endedBy(line.text); !ended.empty()) {
+            } else if (const std::string ended = endedBy(text); !ended.empty()) {
                 ++next_;
                 end(ended, line.number);
             } else if (trimmed(line.text).empty()) {
@@ -541,12 +557,16 @@ class CalendarFramer {
         if (isCalendarOpen) problems_.warn(place_.at(open_.front().line), "the calendar is never ended");
         closeDownTo(0, "is never ended");
         finishCalendar();
+        if (!hasBegun_ && !hasRefusedOutside_) refuseFile();
+        foreign_.finish();
+        outside_.finish();
     }
 
   private:
     void begin(const std::string& name, std::size_t line) {
         const auto kind = entryKindOf(name);
         if (kind) ++found_[static_cast<std::size_t>(*kind)];
+        hasBegun_ |= kind || name == "VCALENDAR" || name == "VTIMEZONE";
         const auto openEntry =
             std::ranges::find_if(open_, [](const OpenComponent& open) { return entryKindOf(open.name).has_value(); });
         const std::string reason = fmt::format("is not ended before line {}, which begins another component", line);
@@ -602,20 +622,43 @@ class CalendarFramer {
         }
     }
 
+    /// The first such part of a file fails it; of the others it is only told.
+    void refuseOutside(std::size_t line) {
+        constexpr const char* reason = "stands outside of a calendar; left out";
+        if (hasRefusedOutside_) {
+            outside_.warn(line, reason);
+        } else {
+            hasRefusedOutside_ = true;
+            refuseAsEvent(line, reason);
+        }
+    }
+    void refuseFile() {
+        const bool isEmpty = std::ranges::all_of(lines_, [](const auto& line) { return trimmed(line.text).empty(); });
+        if (isEmpty) {
+            problems_.warn(place_, "the file is empty");
+        } else {
+            refuseAsEvent(1, "the file has no calendar");
+        }
+    }
+    void refuseAsEvent(std::size_t line, std::string reason) {
+        ++found_[static_cast<std::size_t>(EntryKind::event)];
+        problems_.refuse(EntryKind::event, place_.at(line), std::move(reason));
+    }
+
     void addLine() {
         const std::size_t first = next_++;
         ContentLine content{.number = lines_[first].number, .text = std::string(lines_[first].text)};
         for (; next_ < lines_.size() && lines_[next_].isContinuation(); ++next_)
             content.text += lines_[next_].text.substr(1);
         std::string plain = inUTF8(content.text);
-        if (plain != content.text) problems_.warn(place_.at(content.number), "is not UTF-8; taken as Windows-1252");
-        content.text = std::move(plain);
         if (open_.empty()) {
-            if (!isOutside_) problems_.warn(place_.at(content.number), "stands outside of a calendar; left out");
+            if (!isOutside_) refuseOutside(content.number);
             isOutside_ = true;
             return;
         }
         isOutside_ = false;
+        if (plain != content.text) foreign_.warn(content.number, "is not UTF-8; taken as Windows-1252");
+        content.text = std::move(plain);
         // A line that continues none, and an end without a beginning, would spoil the lines around them.
         if (lines_[first].isContinuation() || content.isCalled("BEGIN") || content.isCalled("END")) {
             problems_.warn(place_.at(content.number), "cannot be read as a property; left out");
@@ -655,8 +698,12 @@ class CalendarFramer {
     ImportProblems& problems_;
     std::vector<CalendarEntry>& entries_;
     std::array<std::size_t, entryKindCount>& found_;
+    RepeatedWarning foreign_;
+    RepeatedWarning outside_;
     std::size_t next_ = 0;
+    bool hasBegun_ = false;
     bool isOutside_ = false;
+    bool hasRefusedOutside_ = false;
     /// A component, the one that has begun in it, and so on.
     std::vector<OpenComponent> open_;
     /// The calendar's own properties, and the components that have ended in it.

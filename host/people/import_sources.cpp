@@ -3,6 +3,7 @@
 #include <host/store/record_table.h>
 
 #include <map>
+#include <unordered_set>
 
 namespace kestrel::host {
 
@@ -48,14 +49,13 @@ std::vector<EntryChoice> chosenEntries(const std::vector<EntryIdentity>& entries
     std::vector<EntryChoice> choices(entries.size());
     // The place of the entry that counts for now.
     std::map<std::string, std::size_t> named;
-    // Of those that have a substitute only: which digests it stands for, in the order in which they were met.
-    std::map<std::string, std::vector<std::string>> substituted;
+    // Of those that have a substitute only: which digests it stands for.
+    std::map<std::string, std::unordered_set<std::string>> substituted;
     for (std::size_t i = 0; i < entries.size(); ++i) {
         const EntryIdentity& entry = entries[i];
         if (entry.uid.empty()) {
-            std::vector<std::string>& digests = substituted[entry.substitute];
-            choices[i].isSuperseded = std::ranges::find(digests, entry.digest) != digests.end();
-            if (!choices[i].isSuperseded) digests.push_back(entry.digest);
+            auto& digests = substituted[entry.substitute];
+            choices[i].isSuperseded = !digests.insert(entry.digest).second;
             choices[i].source = fmt::format("like:{}#{}", entry.substitute, digests.size());
             continue;
         }

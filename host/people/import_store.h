@@ -29,7 +29,8 @@ struct EntryCounts {
     /// Left out as broken.
     std::size_t refused{};
 
-    [[nodiscard]] std::size_t imported() const { return added + changed + unchanged + superseded; }
+    /// Those that are in the database now.
+    [[nodiscard]] std::size_t imported() const { return added + changed + unchanged; }
 };
 
 /// The records of one type: read one by one, written when they have changed, with keys for new ones.

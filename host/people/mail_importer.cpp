@@ -22,6 +22,15 @@ class MailImporter {
         email.rawHeader = present(message.rawHeader);
         email.subject = present(message.subject);
         email.toString = present(message.to);
+        if (before && email != *before) {
+            // A message that was sent does not change: this is another one, or a forgery.
+            store_.problems().warn(message.place,
+                                   fmt::format("another message with this Message-ID, sender and date is "
+                                               "stored as {}, which counts; left out",
+                                               before->objectID().stringValue()));
+            ++store_.counts(EntryKind::message).superseded;
+            return;
+        }
         const auto written = emails_.write(email, before);
         store_.addresses().set(email.objectID(), message.addresses);
         bool hasNewFiles = false;
@@ -50,13 +59,23 @@ class MailImporter {
     RecordStore<FileAttachment> files_;
 };
 
+/// What makes a message this one. The identifier alone does not: programs, and people who forge messages, use one
+/// again.
+std::string identityOf(const MailMessage& message) {
+    if (message.messageID.empty()) return {};
+    return fmt::format("{}\n{}\n{}", message.messageID, message.from,
+                       message.date.value_or(Date(0)).sinceReferenceDate());
+}
+
 }  // namespace
 
 void importMessages(const std::vector<MailMessage>& messages, ImportStore& store) {
     std::vector<EntryIdentity> identities;
     for (const MailMessage& message : messages) {
-        identities.push_back(
-            {.place = message.place, .uid = message.messageID, .substitute = message.digest, .digest = message.digest});
+        identities.push_back({.place = message.place,
+                              .uid = identityOf(message),
+                              .substitute = message.digest,
+                              .digest = message.digest});
     }
     const auto choices = chosenEntries(
         identities,

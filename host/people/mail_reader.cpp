@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <exception>
 #include <string_view>
 #include <utility>
 
@@ -18,6 +19,96 @@ using Object = Owned<T, g_object_unref>;
 
 /// Parts within parts are parsed by recursion: deeper ones than anybody sends are not parsed at all.
 constexpr std::size_t mostBoundaries = 2000;
+
+/// Groups within groups of addresses are parsed by recursion as well. A group that is cut short may also be made of
+/// what stands between quotes: so the colons of a header have a limit, too.
+constexpr std::size_t deepestGroup = 100;
+constexpr std::size_t mostColons = 2000;
+
+/// How deep a list of addresses nests groups. What is quoted, a comment, in brackets, or a part of a web address or of
+/// a time begins none.
+std::size_t groupDepthOf(std::string_view list) {
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    constexpr std::string_view scheme = "mailto";
+    constexpr std::string_view opening = "\"(<[";
+    constexpr std::string_view closing = "\")>]";
+    std::array<bool, opening.size()> isNeverClosed{};
+    std::size_t depth = 0;
+    std::size_t deepest = 0;
+    for (std::size_t i = 0; i < list.size(); ++i) {
+        if (const auto kind = opening.find(list[i]); kind != opening.npos) {
+            if (isNeverClosed[kind]) continue;
+            std::size_t end = i + 1;
+            while (end < list.size() && list[end] != closing[kind])
+                end += list[end] == '\\' ? 2U : 1U;
+            // Without an end it is a sign like others.
+            isNeverClosed[kind] = end >= list.size();
+            if (!isNeverClosed[kind]) i = end;
+        } else if (list[i] == ';') {
+            if (depth > 0) --depth;
+        } else if (list[i] == ':') {
+            const std::string_view before = list.substr(0, i);
+            const std::string_view behind = list.substr(i + 1);
+            const bool isTime = !before.empty() && isDigit(before.back()) && !behind.empty() && isDigit(behind.front());
+            const bool isMail = isSameWord(before.substr(i - std::min(i, scheme.size())), scheme);
+            if (!isTime && !isMail && !behind.starts_with("//")) deepest = std::max(deepest, ++depth);
+        }
+    }
+    return deepest;
+}
+
+/// Whether a line starts a header whose text is a list of addresses.
+bool startsAddresses(std::string_view line) {
+    constexpr std::string_view resent = "Resent-";
+    constexpr std::array<std::string_view, 6> names{"From", "Sender", "Reply-To", "To", "Cc", "Bcc"};
+    if (startsWithWord(line, resent)) line.remove_prefix(resent.size());
+    return std::ranges::any_of(names, [&](std::string_view name) {
+        return startsWithWord(line, name) && trimmed(line.substr(name.size())).starts_with(':');
+    });
+}
+
+/// The lines of a message, which end in LF.
+class MessageLines {
+  public:
+    explicit MessageLines(std::string_view text) : rest_(text) {}
+
+    /// Goes on to the next line; whether there is one.
+    bool next() {
+        if (rest_.empty()) return false;
+        const auto end = rest_.find('\n');
+        line_ = {.number = line_.number + 1, .text = rest_.substr(0, end)};
+        rest_ = end == rest_.npos ? std::string_view() : rest_.substr(end + 1);
+        if (line_.text.ends_with('\r')) line_.text.remove_suffix(1);
+        return true;
+    }
+    [[nodiscard]] const TextLine& line() const noexcept { return line_; }
+
+  private:
+    std::string_view rest_;
+    TextLine line_;
+};
+
+/// The line of the first header of a message, or of one in it, that nests groups of addresses too deep; 0 without any.
+std::size_t lineOfDeepGroups(std::string_view message) {
+    TextLine header;
+    std::string list;
+    const auto isTooDeep = [&] {
+        return header.number != 0 &&
+               (groupDepthOf(list) > deepestGroup || std::cmp_greater(std::ranges::count(list, ':'), mostColons));
+    };
+    for (MessageLines lines(message); lines.next();) {
+        const TextLine& line = lines.line();
+        if (line.isContinuation()) {
+            if (header.number != 0) list += line.text;
+            continue;
+        }
+        if (isTooDeep()) return header.number;
+        header = startsAddresses(line.text) ? line : TextLine{};
+        // Behind the name and its colon.
+        list = header.number == 0 ? std::string_view() : line.text.substr(line.text.find(':') + 1);
+    }
+    return isTooDeep() ? header.number : 0;
+}
 
 /// The library, ready for use, and how it is to read.
 GMimeParserOptions* parserOptions() {
@@ -58,6 +149,11 @@ class MessageBuilder {
         if (countOf(bytes_, "boundary") + countOf(bytes_, "message/rfc822") > mostBoundaries)
             return refuse("the message has more nested parts than can be read");
         const std::string plain = plainBytes(bytes_.substr(start_));
+        if (const std::size_t line = lineOfDeepGroups(plain); line != 0) {
+            problems_.refuse(EntryKind::message, message_.place.at(line + firstLine_ - 1),
+                             "the header nests more groups of addresses than can be read");
+            return std::nullopt;
+        }
         const Object<GMimeStream> stream(g_mime_stream_mem_new_with_buffer(plain.data(), plain.size()));
         const Object<GMimeParser> parser(g_mime_parser_new_with_stream(stream.get()));
         const Object<GMimeMessage> parsed(g_mime_parser_construct_message(parser.get(), parserOptions()));
@@ -99,8 +195,8 @@ class MessageBuilder {
     }
 
     void takeRawHeader(std::string_view plain) {
-        for (const TextLine& line : linesOf(plain)) {
-            if (line.text.empty()) break;
+        for (MessageLines lines(plain); lines.next() && !lines.line().text.empty();) {
+            const TextLine& line = lines.line();
             headerLines_.push_back({.number = line.number + firstLine_ - 1, .text = line.text});
             message_.rawHeader += validUTF8(line.text) + "\n";
         }
@@ -154,28 +250,46 @@ class MessageBuilder {
     }
 
     /// The addresses of a list, those of its groups included.
-    void addAddresses(InternetAddressList* list) {
-        if (list == nullptr) return;
-        for (int i = 0; i < internet_address_list_length(list); ++i) {
-            InternetAddress* const address = internet_address_list_get_address(list, i);
-            const GType type = G_TYPE_FROM_INSTANCE(address);
-            if (g_type_is_a(type, internet_address_group_get_type()) != 0) {
-                addAddresses(internet_address_group_get_members(reinterpret_cast<InternetAddressGroup*>(address)));
-                continue;
+    void addAddresses(InternetAddressList* all) {
+        std::vector<InternetAddressList*> lists{all};
+        while (!lists.empty()) {
+            InternetAddressList* const list = lists.back();
+            lists.pop_back();
+            const int count = list == nullptr ? 0 : internet_address_list_length(list);
+            for (int i = 0; i < count; ++i) {
+                InternetAddress* const address = internet_address_list_get_address(list, i);
+                if (g_type_is_a(G_TYPE_FROM_INSTANCE(address), internet_address_group_get_type()) != 0) {
+                    lists.push_back(
+                        internet_address_group_get_members(reinterpret_cast<InternetAddressGroup*>(address)));
+                    continue;
+                }
+                const std::string text = inLowerCase(
+                    textOf(internet_address_mailbox_get_addr(reinterpret_cast<InternetAddressMailbox*>(address))));
+                if (!text.empty()) message_.addresses.push_back(text);
             }
-            const std::string text = inLowerCase(
-                textOf(internet_address_mailbox_get_addr(reinterpret_cast<InternetAddressMailbox*>(address))));
-            if (!text.empty()) message_.addresses.push_back(text);
         }
     }
 
     void takeAttachments(GMimeMessage* message) {
+        // No exception may pass through the library.
+        struct Visit {
+            MessageBuilder* builder;
+            std::exception_ptr failure;
+        };
+        Visit visit{.builder = this, .failure = nullptr};
         g_mime_message_foreach(
             message,
-            [](GMimeObject*, GMimeObject* part, gpointer builder) {
-                static_cast<MessageBuilder*>(builder)->takePart(part);
+            [](GMimeObject*, GMimeObject* part, gpointer data) {
+                auto* const current = static_cast<Visit*>(data);
+                if (current->failure) return;
+                try {
+                    current->builder->takePart(part);
+                } catch (...) {
+                    current->failure = std::current_exception();
+                }
             },
-            this);
+            &visit);
+        if (visit.failure) std::rethrow_exception(visit.failure);
     }
 
     /// A part is an attachment when it says so or has a file's name, when it is a message, and when it is no text.

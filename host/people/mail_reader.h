@@ -10,9 +10,9 @@ namespace kestrel::host {
 
 /// Reads messages, one a file.
 ///
-/// A message is refused when it has none of the headers From, Date and Subject, or more nested parts than anybody
-/// sends. A Date that cannot be read is left out with a warning. Bytes of a header that are not UTF-8 are taken as
-/// Windows-1252; in the block of headers each becomes U+FFFD.
+/// A message is refused when it has none of the headers From, Date and Subject, or more nested parts or groups of
+/// addresses than anybody sends. A Date that cannot be read is left out with a warning. Bytes of a header that are not
+/// UTF-8 are taken as Windows-1252; in the block of headers each becomes U+FFFD.
 class MailReader {
   public:
     explicit MailReader(ImportProblems& problems) : problems_(&problems) {}

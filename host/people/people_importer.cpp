@@ -1,3 +1,4 @@
+#include <host/crm/crm_export.h>
 #include <host/people/calendar_importer.h>
 #include <host/people/card_importer.h>
 #include <host/people/icalendar_reader.h>
@@ -12,12 +13,6 @@
 #include <utility>
 
 namespace kestrel::host {
-
-bool PeopleReport::isAllUnchanged() const {
-    return linksAdded == 0 && std::ranges::all_of(counts, [](const EntryCounts& ofKind) {
-               return ofKind.added == 0 && ofKind.changed == 0;
-           });
-}
 
 PersonalData readPersonalFiles(const std::vector<PersonalFile>& files, const PeopleProgress& progress) {
     const QuietLibraries quiet;
@@ -45,7 +40,25 @@ PersonalData readPersonalFiles(const std::vector<PersonalFile>& files, const Peo
     return data;
 }
 
+namespace {
+
+/// Somebody has to be able to look at what came in: a database without users gets its administrator.
+void addAdministrator(SQLite::Database& database) {
+    RecordStore<User> users(database);
+    if (database.execAndGet("SELECT count(*) FROM \"User\"").getInt64() > 0) return;
+    users.write(User{.userID = users.newKey(),
+                     .isAdmin = true,
+                     .jobTitle = std::string(administratorName),
+                     .lastName = std::string(administratorName),
+                     .name = std::string(administratorName),
+                     .username = "administrator"},
+                std::nullopt);
+}
+
+}  // namespace
+
 PeopleReport importPeople(PersonalData& data, SQLite::Database& database) {
+    addAdministrator(database);
     ImportStore store(database, data.problems);
     importCards(data.cards, store);
     importCalendarEntries(data.entries, store);

@@ -28,8 +28,6 @@ struct PersonalData {
 struct PeopleReport {
     std::array<EntryCounts, entryKindCount> counts{};
     std::size_t linksAdded{};
-
-    [[nodiscard]] bool isAllUnchanged() const;
 };
 
 /// Told how much is done, of how much.

@@ -26,6 +26,12 @@ struct ContentLine {
     /// What stands in front of the value: the name with its group and parameters.
     [[nodiscard]] std::string_view head() const { return std::string_view(text).substr(0, text.find(':')); }
     [[nodiscard]] bool headHas(std::string_view word) const { return inUpperCase(head()).contains(word); }
+    /// The component that the value begins, when the property is an agent, in upper case.
+    [[nodiscard]] std::string begunByAgent() const {
+        const std::string_view start = head();
+        const bool isAgent = isSameWord(start.substr(0, start.find(';')), "AGENT") && start.size() < text.size();
+        return isAgent ? begunBy(trimmed(std::string_view(text).substr(start.size() + 1))) : std::string();
+    }
     /// The name with its group.
     [[nodiscard]] std::string_view name() const { return std::string_view(text).substr(0, text.find_first_of(":;")); }
     /// Whether it is a name, perhaps in a group, with a value: for other lines the library keeps memory that nobody
@@ -220,8 +226,9 @@ std::string pictureTypeOf(std::string_view bytes) {
 /// Makes a card of its lines.
 class CardBuilder {
   public:
-    CardBuilder(FilePlace place, const std::vector<ContentLine>& lines, ImportProblems& problems)
-        : lines_(lines), problems_(problems) {
+    CardBuilder(FilePlace place, const std::vector<ContentLine>& lines, ImportProblems& problems,
+                RepeatedWarning& damages)
+        : lines_(lines), problems_(problems), damages_(damages) {
         card_.place = std::move(place);
     }
 
@@ -271,8 +278,11 @@ class CardBuilder {
         for (GList* item = e_vcard_get_attributes(parsed.get()); item != nullptr; item = item->next) {
             if (auto property = propertyOf(static_cast<EVCardAttribute*>(item->data))) {
                 seen.insert(property->line);
-                if (property->isDamaged)
-                    warn(property->line, fmt::format("{} has bytes that are not UTF-8; replaced", property->name));
+                if (property->isDamaged) {
+                    damages_.warn(property->line,
+                                  fmt::format("{} has bytes that are not UTF-8; replaced", property->name));
+                }
+                takeOfGroup(*property);
                 properties_.push_back(*std::move(property));
             }
         }
@@ -300,7 +310,10 @@ class CardBuilder {
                 property.parameters.emplace_back(name, inUTF8(static_cast<const char*>(value->data)));
         }
         const std::string encoding = inUpperCase(property.parameter("ENCODING"));
-        const bool isBinary = property.name == "PHOTO" && (encoding == "B" || encoding == "BASE64");
+        // So may be a key or a sound, of which nothing is taken.
+        const bool isText = (takerOf(property.name) != nullptr && property.name != "PHOTO") ||
+                            property.name == "X-ABLABEL" || property.name == "X-ABADR";
+        const bool isBinary = !isText && (encoding == "B" || encoding == "BASE64");
         for (GList* item = e_vcard_attribute_get_values_decoded(attribute); item != nullptr; item = item->next) {
             const auto* const value = static_cast<const GString*>(item->data);
             if (value == nullptr) continue;
@@ -317,16 +330,22 @@ class CardBuilder {
 
     /// The label of the property: one of the user's own making, else what its types say.
     [[nodiscard]] std::string labelOf(const Property& property) const {
-        if (!property.group.empty()) {
-            for (const Property& other : properties_) {
-                if (other.group == property.group && other.name == "X-ABLABEL") return labelOfOwnMaking(other.text());
-            }
-        }
-        return labelOfTypes(property.types());
+        const auto own = labels_.find(property.group);
+        return own != labels_.end() ? own->second : labelOfTypes(property.types());
     }
 
-    void take(const Property& property) {
-        using Take = void (CardBuilder::*)(const Property&);
+    /// What a property says of the others of its group.
+    void takeOfGroup(const Property& property) {
+        constexpr std::size_t codeLength = 2;
+        if (property.group.empty()) return;
+        if (property.name == "X-ABLABEL") labels_.emplace(property.group, labelOfOwnMaking(property.text()));
+        if (property.name == "X-ABADR" && property.text().size() == codeLength)
+            countryCodes_[property.group] = inUpperCase(property.text());
+    }
+
+    using Take = void (CardBuilder::*)(const Property&);
+    /// How a property is taken; null for those of which nothing is.
+    static Take takerOf(const std::string& name) {
         struct Rule {
             std::string_view name;
             Take take;
@@ -369,14 +388,14 @@ class CardBuilder {
             {"X-EVOLUTION-SPOUSE", &CardBuilder::addRelated},
             {"X-SOCIALPROFILE", &CardBuilder::addToOrdered},
         }};
-        const auto* const rule = std::ranges::find(rules, property.name, &Rule::name);
-        if (rule != rules.end()) {
-            (this->*rule->take)(property);
-        } else if (property.name == "X-SPOUSE" || property.name == "X-MANAGER") {
-            addRelated(property);
-        } else if (property.name.starts_with("X-") && networkOf(std::string_view(property.name).substr(2)) != nullptr) {
-            addToOrdered(property);
-        }
+        const auto* const rule = std::ranges::find(rules, name, &Rule::name);
+        if (rule != rules.end()) return rule->take;
+        if (name == "X-SPOUSE" || name == "X-MANAGER") return &CardBuilder::addRelated;
+        const bool isNetwork = name.starts_with("X-") && networkOf(std::string_view(name).substr(2)) != nullptr;
+        return isNetwork ? &CardBuilder::addToOrdered : nullptr;
+    }
+    void take(const Property& property) {
+        if (const Take taker = takerOf(property.name); taker != nullptr) (this->*taker)(property);
     }
 
     void takeParts(const Property& property) {
@@ -514,13 +533,8 @@ class CardBuilder {
             if (const std::string text = property.component(part); !text.empty())
                 address.street += (address.street.empty() ? "" : "\n") + text;
         }
-        if (!property.group.empty()) {
-            constexpr std::size_t codeLength = 2;
-            for (const Property& other : properties_) {
-                if (other.group == property.group && other.name == "X-ABADR" && other.text().size() == codeLength)
-                    address.countryCode = inUpperCase(other.text());
-            }
-        }
+        if (const auto code = countryCodes_.find(property.group); code != countryCodes_.end())
+            address.countryCode = code->second;
         if (const std::string position = property.parameter("GEO"); !position.empty()) {
             address.position = positionOf(position);
             if (!address.position) warn(property.line, fmt::format("GEO \"{}\" is no position; left out", position));
@@ -639,8 +653,12 @@ class CardBuilder {
 
     const std::vector<ContentLine>& lines_;
     ImportProblems& problems_;
+    RepeatedWarning& damages_;
     ContactCard card_;
     std::vector<Property> properties_;
+    /// By group: the label of the user's own making, and the country.
+    std::map<std::string, std::string> labels_;
+    std::map<std::string, std::string> countryCodes_;
     /// Those that have an order of preference.
     std::vector<const Property*> ordered_;
     /// By preference, then as they were met.
@@ -658,18 +676,25 @@ class CardFramer {
   public:
     CardFramer(const std::string& file, std::string_view text, ImportProblems& problems,
                std::vector<ContactCard>& cards)
-        : place_{.file = file}, lines_(linesOf(text)), problems_(problems), cards_(cards) {}
+        : place_{.file = file},
+          lines_(linesOf(text)),
+          problems_(problems),
+          cards_(cards),
+          foreign_(problems, place_, {"line is", "lines are", "not UTF-8; taken as Windows-1252"}),
+          damages_(problems, place_, {"property has", "properties have", "bytes that are not UTF-8; replaced"}),
+          outside_(problems, place_, {"part stands", "parts stand", "outside of a card; left out"}) {}
 
-    /// How many cards began.
+    /// How many cards began, and parts of the file were refused for being none.
     std::size_t frame() {
-        std::size_t found = 0;
         while (next_ < lines_.size()) {
             const TextLine& line = lines_[next_];
-            if (begunBy(line.text) == "VCARD") {
-                ++found;
+            // Within a card white space in front continues a property.
+            const std::string_view text = open_.empty() ? trimmed(line.text) : line.text;
+            if (begunBy(text) == "VCARD") {
+                if (open_.empty()) unindentLike(lines_, next_);
                 ++next_;
                 begin(line.number);
-            } else if (endedBy(line.text) == "VCARD") {
+            } else if (endedBy(text) == "VCARD") {
                 ++next_;
                 end(line.number);
             } else if (trimmed(line.text).empty()) {
@@ -677,19 +702,27 @@ class CardFramer {
                 isOutside_ = false;
             } else if (open_.empty()) {
                 ++next_;
-                if (!isOutside_) problems_.warn(place_.at(line.number), "stands outside of a card; left out");
+                if (!isOutside_) refuseOutside(line.number);
                 isOutside_ = true;
+            } else if (ContentLine{.text = std::string(line.text)}.begunByAgent() == "VCARD") {
+                ++next_;
+                open_.back().awaitsAgent = true;
+                begin(line.number);
             } else {
                 addLine();
             }
         }
         refuseOpen("is never ended");
-        return found;
+        if (found_ == 0) refuseFile();
+        for (RepeatedWarning* warning : {&foreign_, &damages_, &outside_})
+            warning->finish();
+        return found_;
     }
 
   private:
     void begin(std::size_t line) {
         constexpr std::size_t deepest = 10;
+        ++found_;
         isOutside_ = false;
         if (!open_.empty() && (!open_.back().awaitsAgent || open_.size() == deepest))
             refuseOpen(fmt::format("is not ended before line {}, which begins another", line));
@@ -704,7 +737,7 @@ class CardFramer {
         }
         const OpenCard ended = std::move(open_.back());
         open_.pop_back();
-        auto card = CardBuilder(place_.at(ended.line), ended.lines, problems_).build();
+        auto card = CardBuilder(place_.at(ended.line), ended.lines, problems_, damages_).build();
         if (!card) return;
         for (const std::size_t agent : ended.agents)
             cards_[agent].agentOf = cards_.size();
@@ -716,6 +749,28 @@ class CardFramer {
         for (const OpenCard& card : open_)
             problems_.refuse(EntryKind::card, place_.at(card.line), "the card " + reason);
         open_.clear();
+    }
+
+    /// The first such part of a file fails it; of the others it is only told.
+    void refuseOutside(std::size_t line) {
+        constexpr const char* reason = "stands outside of a card; left out";
+        if (hasRefusedOutside_) {
+            outside_.warn(line, reason);
+        } else {
+            ++found_;
+            hasRefusedOutside_ = true;
+            problems_.refuse(EntryKind::card, place_.at(line), reason);
+        }
+    }
+
+    void refuseFile() {
+        const bool isEmpty = std::ranges::all_of(lines_, [](const auto& line) { return trimmed(line.text).empty(); });
+        if (isEmpty) {
+            problems_.warn(place_, "the file is empty");
+        } else {
+            ++found_;
+            problems_.refuse(EntryKind::card, place_, "the file has no card");
+        }
     }
 
     [[nodiscard]] bool isFrame(const TextLine& line) const {
@@ -765,7 +820,7 @@ class CardFramer {
         constexpr std::string_view key = "CHARSET=";
         const auto at = inUpperCase(content.head()).find(key);
         if (at == std::string::npos) {
-            problems_.warn(place_.at(content.number), "is not UTF-8; taken as Windows-1252");
+            foreign_.warn(content.number, "is not UTF-8; taken as Windows-1252");
             content.text = plain;
             return;
         }
@@ -779,8 +834,13 @@ class CardFramer {
     std::vector<TextLine> lines_;
     ImportProblems& problems_;
     std::vector<ContactCard>& cards_;
+    RepeatedWarning foreign_;
+    RepeatedWarning damages_;
+    RepeatedWarning outside_;
     std::size_t next_ = 0;
+    std::size_t found_ = 0;
     bool isOutside_ = false;
+    bool hasRefusedOutside_ = false;
     /// A card, the one that stands in it, and so on.
     std::vector<OpenCard> open_;
 };

@@ -31,6 +31,23 @@ Calendar calendarOf(const User& user) {
     return Calendar::current();
 }
 
+std::chrono::local_seconds localTime(Date date, const Calendar& calendar) {
+    // On the days when clocks change this is not the time since midnight.
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(date.time());
+    const std::string_view zone = calendar.timeZoneName();
+    // UTC is there without a time-zone database, too.
+    const auto offset = zone == "UTC" ? std::chrono::seconds(0) : ::date::locate_zone(zone)->get_info(seconds).offset;
+    return std::chrono::local_seconds((seconds + offset).time_since_epoch());
+}
+
+std::optional<Date> shownStart(const Timeblock& appointment, const Calendar& calendar) {
+    const std::optional<Date>& start = appointment.startDate;
+    if (!start || !appointment.isAllDay || !appointment.timeZoneName || !isReachable(*start)) return start;
+    if (*appointment.timeZoneName == calendar.timeZoneName()) return start;
+    const auto own = Calendar::inZone(*appointment.timeZoneName);
+    return own ? calendar.startOf(own->dayOf(*start)) : start;
+}
+
 std::string dayText(std::chrono::local_days day) {
     const std::chrono::year_month_day date(day);
     return fmt::format("{} {}", dayAndMonth(static_cast<unsigned>(date.day()), static_cast<unsigned>(date.month())),
@@ -47,12 +64,7 @@ std::string weekdayText(std::chrono::local_days day) {
 
 std::string timeText(Date date, const Calendar& calendar) {
     if (!isReachable(date)) return date.description();
-    // The time that clocks show, which on the days when they change is not the time since midnight.
-    const auto seconds = std::chrono::floor<std::chrono::seconds>(date.time());
-    const std::string_view zone = calendar.timeZoneName();
-    // UTC is there without a time-zone database, too.
-    const auto offset = zone == "UTC" ? std::chrono::seconds(0) : ::date::locate_zone(zone)->get_info(seconds).offset;
-    const auto local = seconds + offset;
+    const auto local = localTime(date, calendar);
     const std::chrono::hh_mm_ss time(local - std::chrono::floor<std::chrono::days>(local));
     return fmt::format("{:02}:{:02}", time.hours().count(), time.minutes().count());
 }

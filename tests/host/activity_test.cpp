@@ -438,6 +438,20 @@ TEST_F(NextActivities, areTheEarliestOfTheDealItsCompaniesAndTheirPeople) {
     EXPECT_THAT(database.run({"board", "--at", "2017-03-14"}).output, HasSubstr("  task 2017-03-14\n"));
 }
 
+TEST_F(NextActivities, startWholeDaysOnTheDayOfTheirOwnZone) {
+    // The 14th in Tokyo starts when it is still the 13th where the board is looked at.
+    database.write([](auto& writer) {
+        writer.item(Timeblock{.timeblockID = 1,
+                              .isAllDay = true,
+                              .startDate = moment("2017-03-13T15:00:00Z"),
+                              .timeZoneName = "Asia/Tokyo"},
+                    cancity);
+    });
+    EXPECT_EQ(cards().at(1).nextActivities,
+              (std::vector{NextActivity{
+                  .type = NextActivityType::appointment(1), .date = moment("2017-03-14"), .isAllDay = true}}));
+}
+
 TEST_F(NextActivities, leaveOutWhatIsOverOrNotToBeRead) {
     database.write([](auto& writer) {
         writer.role({.roleID = 1}, charles, cancity).role({.roleID = 2, .deletionDate = Date()}, ada, cancity);

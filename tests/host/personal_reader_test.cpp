@@ -112,6 +112,95 @@ TEST(VCardReader, ordersByPreferenceAndLabels) {
     EXPECT_EQ(card.profiles[1].service + card.profiles[1].address, "Skyped");
 }
 
+/// The names of the cards of a file, and what is told of it.
+struct CardFile {
+    std::vector<std::string> names;
+    std::vector<std::string> told;
+    std::size_t refused;
+    std::vector<std::optional<std::size_t>> agentOf;
+};
+template <class Problems>
+std::vector<std::string> toldOf(const Problems& problems) {
+    std::vector<std::string> told;
+    for (const ImportProblem& problem : problems.all())
+        told.push_back(std::to_string(problem.place.line) + ": " + problem.message);
+    return told;
+}
+CardFile cardsOf(const std::string& content) {
+    const QuietLibraries quiet;
+    ImportProblems problems;
+    VCardReader reader(problems);
+    reader.read("a.vcf", content);
+    CardFile file{.names = {}, .told = toldOf(problems), .refused = problems.refused(), .agentOf = {}};
+    EXPECT_EQ(reader.found(), reader.cards().size() + file.refused);
+    for (const ContactCard& card : reader.cards()) {
+        file.names.push_back(card.formattedName);
+        file.agentOf.emplace_back(card.agentOf);
+    }
+    return file;
+}
+
+TEST(VCardReader, endsLinesInEveryWay) {
+    const auto mixed = cardsOf(
+        "BEGIN:VCARD\rFN:A\rEND:VCARD\rBEGIN:VCARD\r\nFN:B\r\nwhat\r\nEND:VCARD\r\nBEGIN:VCARD\nFN:C\n C\nwhat\n"
+        "END:VCARD\n");
+    EXPECT_THAT(mixed.names, ElementsAre("A", "B", "CC"));
+    EXPECT_THAT(mixed.told, ElementsAre("6: \"what\" cannot be read as a property; left out",
+                                        "11: \"what\" cannot be read as a property; left out"));
+}
+
+TEST(VCardReader, takesIndentedCards) {
+    EXPECT_THAT(cardsOf("BEGIN:VCARD\nFN:A\nEND:VCARD\n  BEGIN:VCARD\nFN:B\n b\nEND:VCARD\n").names,
+                ElementsAre("A", "Bb"));
+    EXPECT_THAT(
+        cardsOf("  BEGIN:VCARD\n  FN:A\n   a\n  END:VCARD\n\n\tBEGIN:VCARD\n\tFN:B\n\tEND:VCARD\nBEGIN:VCARD\nFN:C\n"
+                " c\nEND:VCARD\n")
+            .names,
+        ElementsAre("Aa", "B", "Cc"));
+}
+
+TEST(VCardReader, takesAgentsThatBeginInTheirProperty) {
+    for (const auto* agent : {"AGENT:BEGIN:VCARD", "AGENT:\nBEGIN:VCARD", "agent;X=y: begin:vcard"}) {
+        const auto file = cardsOf(std::string("BEGIN:VCARD\nFN:A\n") + agent + "\nFN:B\nEND:VCARD\nTEL:1\nEND:VCARD\n");
+        EXPECT_THAT(file.names, ElementsAre("B", "A")) << agent;
+        EXPECT_THAT(file.agentOf, ElementsAre(1U, std::nullopt)) << agent;
+        EXPECT_THAT(file.told, ElementsAre());
+    }
+}
+
+TEST(VCardReader, refusesWhatIsNoCard) {
+    EXPECT_THAT(cardsOf("").told, ElementsAre("1: the file is empty"));
+    EXPECT_EQ(cardsOf("").refused, 0U);
+    EXPECT_EQ(cardsOf("\xef\xbb\xbf\r\n").refused, 0U);
+    EXPECT_THAT(cardsOf("END:VCARD\n").told, ElementsAre("1: ends a card that never began", "1: the file has no card"));
+    EXPECT_EQ(cardsOf("END:VCARD\n").refused, 1U);
+    const auto binary =
+        cardsOf(std::string("\x7f"
+                            "ELF\0\1\n\n\xff\xfe\n",
+                            10));
+    EXPECT_EQ(binary.refused, 1U);
+    EXPECT_THAT(binary.told,
+                ElementsAre("1: stands outside of a card; left out", "3: stands outside of a card; left out"));
+    const auto letter = cardsOf("\nDear Sir,\nBEGIN:VCARD\nFN:A\nEND:VCARD\nYours\n");
+    EXPECT_THAT(letter.names, ElementsAre("A"));
+    EXPECT_EQ(letter.refused, 1U);
+}
+
+TEST(VCardReader, tellsRepeatedWarningsAsANumber) {
+    std::string lines = "BEGIN:VCARD\nFN:A\n";
+    for (int i = 0; i < 20; ++i)
+        lines += "NOTE:\xe4\n";
+    const auto told = cardsOf(lines + "END:VCARD\n").told;
+    ASSERT_EQ(told.size(), 6U);
+    EXPECT_EQ(told[4], "7: is not UTF-8; taken as Windows-1252");
+    EXPECT_EQ(told[5], "22: 15 more lines are not UTF-8; taken as Windows-1252");
+    // Nothing is taken of a key, whatever its bytes are.
+    EXPECT_THAT(cardsOf("BEGIN:VCARD\nFN:A\nKEY;ENCODING=b:/zpv\nX-Y;ENCODING=b:/zpv\nEND:VCARD\n").told,
+                ElementsAre());
+    EXPECT_THAT(cardsOf("BEGIN:VCARD\nFN:A\nNOTE;ENCODING=b:/zpv\nEND:VCARD\n").told,
+                ElementsAre("3: NOTE has bytes that are not UTF-8; replaced"));
+}
+
 CalendarEntry eventOf(const std::string& lines, const std::string& before = "") {
     ImportProblems problems;
     ICalendarReader reader(problems);
@@ -148,6 +237,66 @@ TEST(ICalendarReader, knowsTheZonesOfTheFileAndOfTheDatabase) {
     EXPECT_EQ(startOf(":20170101T120000Z", own), "2017-01-01T12:00:00Z UTC");
     EXPECT_EQ(startOf(":20170101T120000", "X-WR-TIMEZONE:America/Denver\n"), "2017-01-01T19:00:00Z America/Denver");
     EXPECT_EQ(startOf(";VALUE=DATE:20170101", "X-WR-TIMEZONE:America/Denver\n"), "2017-01-01T07:00:00Z America/Denver");
+}
+
+TEST(ICalendarReader, framesAndRefusesLikeCards) {
+    const auto read = [](const std::string& content) {
+        ImportProblems problems;
+        ICalendarReader reader(problems);
+        reader.read("a.ics", content);
+        EXPECT_EQ(reader.found(EntryKind::event), reader.entries().size() + problems.refused());
+        return std::tuple(reader.entries().size(), problems.refused(), toldOf(problems));
+    };
+    using Told = std::vector<std::string>;
+    EXPECT_EQ(read(""), std::tuple(0U, 0U, Told{"1: the file is empty"}));
+    EXPECT_EQ(read("BEGIN:VCALENDAR\nEND:VCALENDAR\n"), std::tuple(0U, 0U, Told{}));
+    EXPECT_EQ(read("\x7f"
+                   "ELF\n"),
+              std::tuple(0U, 1U, Told{"1: stands outside of a calendar; left out"}));
+    EXPECT_EQ(read("BEGIN:VCARD\nFN:A\nEND:VCARD\n"), std::tuple(0U, 1U, Told{"1: the file has no calendar"}));
+    EXPECT_EQ(read("  BEGIN:VCALENDAR\r  BEGIN:VEVENT\n  DTSTART:20170301T090000Z\r\n  END:VEVENT\n  END:VCALENDAR\n"),
+              std::tuple(1U, 0U, Told{}));
+    EXPECT_EQ(read("BEGIN:VEVENT\rDTSTART:20170301T090000Z\nDTSTART:20170302T090000Z\rEND:VEVENT\n"),
+              std::tuple(1U, 0U, Told{"3: DTSTART \"20170302T090000Z\" is a second start; left out"}));
+}
+
+TEST(ICalendarReader, takesEveryAttendeeOnce) {
+    std::string lines = "DTSTART:20170301T090000Z\nATTENDEE:mailto:A1@Example.org\n";
+    for (int i = 0; i < 3000; ++i)
+        lines += "ATTENDEE:mailto:a" + std::to_string(i) + "@example.org\n";
+    EXPECT_EQ(eventOf(lines).attendees.size(), 3000U);
+}
+
+TEST(MailReader, refusesGroupsWithinGroups) {
+    const QuietLibraries quiet;
+    const auto times = [](int count, const std::string& text) {
+        std::string all;
+        for (int i = 0; i < count; ++i)
+            all += text;
+        return all;
+    };
+    ImportProblems problems;
+    MailReader reader(problems);
+    const auto read = [&](const std::string& header) {
+        reader.read("a.eml", "From x\nFrom: a@example.org\nSubject: x\n" + header + "\nDate: x\n\ny\n");
+    };
+    read("To: " + times(50'000, "g:"));
+    read("X: y\nresent-cc : b@example.org,\n " + times(500, "g:\n "));
+    read("Bcc: (" + times(50'000, "g:"));
+    read("Bcc: @@ \"," + times(50'000, "g:") + "\"");
+    read("Content-Type: message/rfc822\n\nTo: " + times(50'000, "g:"));
+    ASSERT_EQ(problems.refused(EntryKind::message), 5U);
+    const std::string reason = ": the header nests more groups of addresses than can be read";
+    EXPECT_THAT(toldOf(problems), ElementsAre("4" + reason, "5" + reason, "4" + reason, "4" + reason, "6" + reason));
+    // Colons that are ordinary.
+    read("To: " + times(300, "\"Re: x\" <a@[IPv6:2001:db8::1]>, ") + "b@example.org");
+    read("Cc: " + times(300, "mailto:a@example.org, http://example.org, 10:30 <a@example.org> (at: noon), "));
+    read("Cc: " + times(300, "g: a@example.org;, "));
+    read("Subject: " + times(50'000, "g:"));
+    EXPECT_EQ(problems.refused(EntryKind::message), 5U);
+    EXPECT_EQ(reader.messages().size(), 4U);
+    read("Cc: " + times(90, "g:") + " deep@example.org" + times(90, ";"));
+    EXPECT_THAT(reader.messages().back().addresses, ElementsAre("a@example.org", "deep@example.org"));
 }
 
 TEST(MailReader, decodesHeadersAndCountsAttachments) {
