@@ -15,22 +15,7 @@ namespace {
 std::optional<std::string> textOf(std::uint32_t code) {
     if (code == 0 || code > 0x10ffff || (code >= 0xd800 && code <= 0xdfff)) return std::nullopt;
     std::string text;
-    const auto byte = [&](std::uint32_t bits) { text += static_cast<char>(bits); };
-    if (code < 0x80) {
-        byte(code);
-    } else if (code < 0x800) {
-        byte(0xc0U | code >> 6U);
-        byte(0x80U | (code & 0x3fU));
-    } else if (code < 0x10000) {
-        byte(0xe0U | code >> 12U);
-        byte(0x80U | (code >> 6U & 0x3fU));
-        byte(0x80U | (code & 0x3fU));
-    } else {
-        byte(0xf0U | code >> 18U);
-        byte(0x80U | (code >> 12U & 0x3fU));
-        byte(0x80U | (code >> 6U & 0x3fU));
-        byte(0x80U | (code & 0x3fU));
-    }
+    appendUTF8(text, code);
     return text;
 }
 

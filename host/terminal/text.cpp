@@ -1,6 +1,6 @@
 #include <fmt/format.h>
 #include <host/terminal/text.h>
-#include <kestrel/coding/utf8.h>
+#include <kestrel/foundation/unicode.h>
 #include <locale.h>
 #include <wchar.h>
 #include <wctype.h>
@@ -21,43 +21,18 @@ locale_t unicodeTables() {
     return tables;
 }
 
-/// Takes the first code point off a valid, non-empty text.
-char32_t takeCodePoint(std::string_view& text) {
-    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-    const auto tail = [&](std::size_t i) { return static_cast<char32_t>(byte(i) & 0x3fU); };
-    const unsigned char first = byte(0);
-    char32_t code = first;
-    std::size_t length = 1;
-    if (first >= 0xf0) {
-        code = (first & 0x07U) << 18U | tail(1) << 12U | tail(2) << 6U | tail(3);
-        length = 4;
-    } else if (first >= 0xe0) {
-        code = (first & 0x0fU) << 12U | tail(1) << 6U | tail(2);
-        length = 3;
-    } else if (first >= 0xc0) {
-        code = (first & 0x1fU) << 6U | tail(1);
-        length = 2;
-    }
-    text.remove_prefix(length);
-    return code;
-}
-
 /// Calls `visit` with each code point of any text and with its bytes, which are U+FFFD's for a byte that is not UTF-8.
 template <class Visitor>
 void forEachCodePoint(std::string_view text, Visitor&& visit) {
-    while (!text.empty()) {
-        std::string_view valid = text.substr(0, validUTF8Prefix(text));
-        text.remove_prefix(valid.size());
-        while (!valid.empty()) {
-            const std::string_view start = valid;
-            const char32_t code = takeCodePoint(valid);
-            visit(code, start.substr(0, start.size() - valid.size()));
-        }
-        if (text.empty()) break;
-        visit(U'\ufffd', replacement);
-        text.remove_prefix(1);
+    for (std::size_t at = 0; at < text.size();) {
+        const CodePoint next = codePointAt(text, at);
+        const bool isBroken = next.size == 1 && next.value == U'\ufffd';
+        visit(next.value, isBroken ? replacement : text.substr(at, next.size));
+        at += next.size;
     }
 }
+
+}  // namespace
 
 void appendUTF8(std::string& text, char32_t code) {
     const auto byte = [&](char32_t bits) { text += static_cast<char>(bits); };
@@ -77,6 +52,8 @@ void appendUTF8(std::string& text, char32_t code) {
         byte(0x80U | (code & 0x3fU));
     }
 }
+
+namespace {
 
 /// Whether a terminal may obey a character instead of showing it: the C0 and C1 controls, the line and paragraph
 /// separators, and the marks that reorder what stands around them.

@@ -14,6 +14,9 @@ namespace kestrel::host {
 /// The code points of a text.
 [[nodiscard]] std::vector<char32_t> codePoints(std::string_view text);
 
+/// Appends a code point that may stand in a text.
+void appendUTF8(std::string& text, char32_t code);
+
 /// The text with every byte that is not UTF-8 replaced by U+FFFD.
 [[nodiscard]] std::string validUTF8(std::string_view text);
 

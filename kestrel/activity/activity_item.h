@@ -14,7 +14,6 @@
 #include <kestrel/foundation/read_only.h>
 #include <kestrel/identity/object_id.h>
 #include <kestrel/lookups/category.h>
-#include <kestrel/lookups/user.h>
 #include <kestrel/records/name.h>
 #include <compare>
 #include <optional>

@@ -18,22 +18,8 @@ KESTREL_FIELDS(AnyElectronicAddress, electronicAddressID, address, createDate, d
 namespace {
 
 template <class View>
-AnyElectronicAddress entryOf(const View& view, ElectronicAddressKind kind) {
-    return {.electronicAddressID = view.objectID(),
-            .address = view.address,
-            .createDate = view.createDate,
-            .deletionDate = view.deletionDate,
-            .deletionIdentifier = view.deletionIdentifier,
-            .deletionUserID = view.deletionUserID,
-            .kind = kind,
-            .label = view.label,
-            .modifyDate = view.modifyDate,
-            .serviceName = view.serviceName};
-}
-
-template <class View>
-std::optional<View> viewOf(const AnyElectronicAddress& entry, ElectronicAddressKind kind) {
-    if (entry.kind != kind) return std::nullopt;
+std::optional<View> viewOf(const AnyElectronicAddress& entry) {
+    if (entry.kind != View::kind) return std::nullopt;
     return View{.electronicAddressID = entry.objectID(),
                 .address = entry.address,
                 .createDate = entry.createDate,
@@ -47,28 +33,16 @@ std::optional<View> viewOf(const AnyElectronicAddress& entry, ElectronicAddressK
 
 }  // namespace
 
-AnyElectronicAddress AnyElectronicAddress::from(const EmailAddress& address) {
-    return entryOf(address, Kind::email);
-}
-
-AnyElectronicAddress AnyElectronicAddress::from(const URLAddress& address) {
-    return entryOf(address, Kind::url);
-}
-
-AnyElectronicAddress AnyElectronicAddress::from(const SocialProfile& profile) {
-    return entryOf(profile, Kind::socialProfile);
-}
-
 std::optional<EmailAddress> AnyElectronicAddress::email() const {
-    return viewOf<EmailAddress>(*this, Kind::email);
+    return viewOf<EmailAddress>(*this);
 }
 
 std::optional<URLAddress> AnyElectronicAddress::url() const {
-    return viewOf<URLAddress>(*this, Kind::url);
+    return viewOf<URLAddress>(*this);
 }
 
 std::optional<SocialProfile> AnyElectronicAddress::socialProfile() const {
-    return viewOf<SocialProfile>(*this, Kind::socialProfile);
+    return viewOf<SocialProfile>(*this);
 }
 
 }  // namespace kestrel

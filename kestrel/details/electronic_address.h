@@ -16,12 +16,15 @@ struct AnyElectronicAddress;
 
 enum class ElectronicAddressKind : std::uint8_t { email = 0, url = 1, socialProfile = 2 };
 
-/// An e-mail address. It shares its identifier with the entry that it was read from.
-struct EmailAddress {
+/// An electronic address as one of its kind. It shares its identifier, and all that it says, with the entry that it was
+/// read from.
+template <ElectronicAddressKind viewedKind>
+struct ElectronicAddressView {
     using Coded = void;
+    static constexpr ElectronicAddressKind kind = viewedKind;
 
-    ReadOnly<ObjectID<AnyElectronicAddress>, EmailAddress> electronicAddressID;
-    /// Local part and domain: "ada@example.org".
+    ReadOnly<ObjectID<AnyElectronicAddress>, ElectronicAddressView> electronicAddressID;
+    /// The e-mail address, the URL, or the name or URL of the profile.
     std::optional<std::string> address{};
     /// When the record was created.
     std::optional<Date> createDate{};
@@ -35,69 +38,24 @@ struct EmailAddress {
     std::optional<AnyLabel> label{};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};
-    /// Of use for social profiles only, but kept as it is stored.
+    /// The network of a social profile: "LinkedIn".
     std::optional<std::string> serviceName{};
 
     [[nodiscard]] const ObjectID<AnyElectronicAddress>& objectID() const noexcept { return electronicAddressID.get(); }
     [[nodiscard]] const ObjectID<AnyElectronicAddress>& id() const noexcept { return electronicAddressID.get(); }
-    friend bool operator==(const EmailAddress&, const EmailAddress&) = default;
+    friend bool operator==(const ElectronicAddressView&, const ElectronicAddressView&) = default;
 };
+
+/// "ada@example.org".
+using EmailAddress = ElectronicAddressView<ElectronicAddressKind::email>;
 extern template struct Codec<EmailAddress>;
 
-/// A web address. It shares its identifier with the entry that it was read from.
-struct URLAddress {
-    using Coded = void;
-
-    ReadOnly<ObjectID<AnyElectronicAddress>, URLAddress> electronicAddressID;
-    /// The URL.
-    std::optional<std::string> address{};
-    /// When the record was created.
-    std::optional<Date> createDate{};
-    /// When the record was deleted, softly; absent while it lives.
-    std::optional<Date> deletionDate{};
-    /// A marker of the deletion.
-    std::optional<std::string> deletionIdentifier{};
-    /// Key of the user who deleted it.
-    std::optional<std::int64_t> deletionUserID{};
-    /// What the user calls it: "Work", "Home".
-    std::optional<AnyLabel> label{};
-    /// When the record was last changed.
-    std::optional<Date> modifyDate{};
-    /// Of use for social profiles only, but kept as it is stored.
-    std::optional<std::string> serviceName{};
-
-    [[nodiscard]] const ObjectID<AnyElectronicAddress>& objectID() const noexcept { return electronicAddressID.get(); }
-    [[nodiscard]] const ObjectID<AnyElectronicAddress>& id() const noexcept { return electronicAddressID.get(); }
-    friend bool operator==(const URLAddress&, const URLAddress&) = default;
-};
+/// A web address.
+using URLAddress = ElectronicAddressView<ElectronicAddressKind::url>;
 extern template struct Codec<URLAddress>;
 
-/// A profile on a social network. It shares its identifier with the entry that it was read from.
-struct SocialProfile {
-    using Coded = void;
-
-    ReadOnly<ObjectID<AnyElectronicAddress>, SocialProfile> electronicAddressID;
-    /// The user's name on the service, or the URL of the profile.
-    std::optional<std::string> address{};
-    /// When the record was created.
-    std::optional<Date> createDate{};
-    /// When the record was deleted, softly; absent while it lives.
-    std::optional<Date> deletionDate{};
-    /// A marker of the deletion.
-    std::optional<std::string> deletionIdentifier{};
-    /// Key of the user who deleted it.
-    std::optional<std::int64_t> deletionUserID{};
-    /// What the user calls it: "Work", "Home".
-    std::optional<AnyLabel> label{};
-    /// When the record was last changed.
-    std::optional<Date> modifyDate{};
-    /// The network: "LinkedIn".
-    std::optional<std::string> serviceName{};
-
-    [[nodiscard]] const ObjectID<AnyElectronicAddress>& objectID() const noexcept { return electronicAddressID.get(); }
-    [[nodiscard]] const ObjectID<AnyElectronicAddress>& id() const noexcept { return electronicAddressID.get(); }
-    friend bool operator==(const SocialProfile&, const SocialProfile&) = default;
-};
+/// A profile on a social network.
+using SocialProfile = ElectronicAddressView<ElectronicAddressKind::socialProfile>;
 extern template struct Codec<SocialProfile>;
 
 /// An electronic address of any kind, as it stands in the list of its owner. `email()`, `url()` and `socialProfile()`
@@ -129,9 +87,8 @@ struct AnyElectronicAddress {
     [[nodiscard]] const ObjectID<AnyElectronicAddress>& objectID() const noexcept { return electronicAddressID.get(); }
     [[nodiscard]] const ObjectID<AnyElectronicAddress>& id() const noexcept { return electronicAddressID.get(); }
 
-    [[nodiscard]] static AnyElectronicAddress from(const EmailAddress& address);
-    [[nodiscard]] static AnyElectronicAddress from(const URLAddress& address);
-    [[nodiscard]] static AnyElectronicAddress from(const SocialProfile& profile);
+    template <ElectronicAddressKind viewedKind>
+    [[nodiscard]] static AnyElectronicAddress from(const ElectronicAddressView<viewedKind>& view);
     [[nodiscard]] std::optional<EmailAddress> email() const;
     [[nodiscard]] std::optional<URLAddress> url() const;
     [[nodiscard]] std::optional<SocialProfile> socialProfile() const;
@@ -139,5 +96,19 @@ struct AnyElectronicAddress {
     friend bool operator==(const AnyElectronicAddress&, const AnyElectronicAddress&) = default;
 };
 extern template struct Codec<AnyElectronicAddress>;
+
+template <ElectronicAddressKind viewedKind>
+AnyElectronicAddress AnyElectronicAddress::from(const ElectronicAddressView<viewedKind>& view) {
+    return {.electronicAddressID = view.objectID(),
+            .address = view.address,
+            .createDate = view.createDate,
+            .deletionDate = view.deletionDate,
+            .deletionIdentifier = view.deletionIdentifier,
+            .deletionUserID = view.deletionUserID,
+            .kind = viewedKind,
+            .label = view.label,
+            .modifyDate = view.modifyDate,
+            .serviceName = view.serviceName};
+}
 
 }  // namespace kestrel

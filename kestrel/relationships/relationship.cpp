@@ -2,24 +2,34 @@
 
 namespace kestrel {
 
-ToRelationship::ToRelationship(Destination end, std::optional<RelationshipType> type)
-    : backingRelationship{.relationID = ObjectID<AnyRelationship>(), .relationshipType = std::move(type)},
-      destination(std::move(end)) {}
+namespace {
 
-void ToRelationship::setContact(std::optional<Contact> contact) {
-    if (contact) {
-        destination = Destination::contact(*std::move(contact));
-    } else if (this->contact() != nullptr) {
-        destination = Destination::missingDestination();
+/// Makes a record the far end; an absent one leaves it missing where a record of that kind, `before`, was.
+template <class End, class Record>
+void setFarEnd(End& end, std::optional<Record> record, const Record* before, End (*missing)()) {
+    if (record) {
+        if constexpr (std::is_same_v<Record, Contact>) {
+            end = End::contact(*std::move(record));
+        } else {
+            end = End::company(*std::move(record));
+        }
+    } else if (before != nullptr) {
+        end = missing();
     }
 }
 
+}  // namespace
+
+AnyRelationship SeenRelationship::newRecord(std::optional<RelationshipType> type) {
+    return {.relationID = ObjectID<AnyRelationship>(), .relationshipType = std::move(type)};
+}
+
+void ToRelationship::setContact(std::optional<Contact> contact) {
+    setFarEnd(destination, std::move(contact), destination.contact(), Destination::missingDestination);
+}
+
 void ToRelationship::setCompany(std::optional<Company> company) {
-    if (company) {
-        destination = Destination::company(*std::move(company));
-    } else if (this->company() != nullptr) {
-        destination = Destination::missingDestination();
-    }
+    setFarEnd(destination, std::move(company), destination.company(), Destination::missingDestination);
 }
 
 std::optional<ToContactRelationship> ToContactRelationship::from(ToRelationship relationship) {
@@ -27,36 +37,18 @@ std::optional<ToContactRelationship> ToContactRelationship::from(ToRelationship 
     return ToContactRelationship(std::move(relationship));
 }
 
-ToContactRelationship::ToContactRelationship(Contact contact, std::optional<RelationshipType> type)
-    : backingRelationship_(ToRelationship::Destination::contact(std::move(contact)), std::move(type)) {}
-
-FromRelationship::FromRelationship(Source end, std::optional<RelationshipType> type)
-    : backingRelationship{.relationID = ObjectID<AnyRelationship>(), .relationshipType = std::move(type)},
-      source(std::move(end)) {}
-
 void FromRelationship::setContact(std::optional<Contact> contact) {
-    if (contact) {
-        source = Source::contact(*std::move(contact));
-    } else if (this->contact() != nullptr) {
-        source = Source::missingSource();
-    }
+    setFarEnd(source, std::move(contact), source.contact(), Source::missingSource);
 }
 
 void FromRelationship::setCompany(std::optional<Company> company) {
-    if (company) {
-        source = Source::company(*std::move(company));
-    } else if (this->company() != nullptr) {
-        source = Source::missingSource();
-    }
+    setFarEnd(source, std::move(company), source.company(), Source::missingSource);
 }
 
 std::optional<FromContactRelationship> FromContactRelationship::from(FromRelationship relationship) {
     if (relationship.contact() == nullptr) return std::nullopt;
     return FromContactRelationship(std::move(relationship));
 }
-
-FromContactRelationship::FromContactRelationship(Contact contact, std::optional<RelationshipType> type)
-    : backingRelationship_(FromRelationship::Source::contact(std::move(contact)), std::move(type)) {}
 
 const AnyRelationship& ContactRelationship::record() const noexcept {
     if (const auto* relationship = to()) return relationship->toRelationshipRecord().backingRelationship;

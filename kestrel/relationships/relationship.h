@@ -19,47 +19,36 @@ namespace kestrel {
 // Records within are read by pointers, which are null where there is none and live as long as the relationship is not
 // changed.
 
-/// The far end of a relationship seen from its source: another contact or a company. Copies share the record.
-class RelationshipDestination : public Choice<RelationshipDestination, Shared<Contact>, Shared<Company>, NoPayload<2>> {
+/// What the far end of a relationship is: another contact or a company. Copies share the record.
+template <class End>
+class RelationshipEnd : public Choice<End, Shared<Contact>, Shared<Company>, NoPayload<2>> {
   public:
-    [[nodiscard]] static RelationshipDestination contact(Contact contact) {
-        return RelationshipDestination(Shared(std::move(contact)));
-    }
-    [[nodiscard]] static RelationshipDestination company(Company company) {
-        return RelationshipDestination(Shared(std::move(company)));
-    }
-    /// It could not be loaded.
-    [[nodiscard]] static RelationshipDestination missingDestination() {
-        return RelationshipDestination(NoPayload<2>{});
-    }
+    using Base = Choice<End, Shared<Contact>, Shared<Company>, NoPayload<2>>;
+    using typename Base::Variant;
+
+    [[nodiscard]] static End contact(Contact contact) { return End(Shared(std::move(contact))); }
+    [[nodiscard]] static End company(Company company) { return End(Shared(std::move(company))); }
 
     [[nodiscard]] const Contact* contact() const noexcept { return shared<Contact>(); }
     [[nodiscard]] const Company* company() const noexcept { return shared<Company>(); }
-    [[nodiscard]] bool isMissingDestination() const noexcept { return caseIndex() == 2; }
 
-    friend bool operator==(const RelationshipDestination&, const RelationshipDestination&) = default;
+    friend bool operator==(const RelationshipEnd&, const RelationshipEnd&) = default;
+
+  protected:
+    explicit RelationshipEnd(Variant value) : Base(std::move(value)) {}
+    [[nodiscard]] bool isMissing() const noexcept { return this->caseIndex() == 2; }
 
   private:
-    explicit RelationshipDestination(Variant value) : Choice(std::move(value)) {}
     template <class Record>
     [[nodiscard]] const Record* shared() const noexcept {
-        const auto* record = payloadIf<Shared<Record>>();
+        const auto* record = this->template payloadIf<Shared<Record>>();
         return record != nullptr ? record->get() : nullptr;
     }
 };
 
-/// A relationship seen from its source: it points to its destination.
-struct ToRelationship {
-    using Destination = RelationshipDestination;
-
+/// What a relationship says whichever end it is seen from.
+struct SeenRelationship {
     AnyRelationship backingRelationship;
-    Destination destination = Destination::missingDestination();
-
-    /// A stored relationship.
-    ToRelationship(AnyRelationship record, Destination end)
-        : backingRelationship(std::move(record)), destination(std::move(end)) {}
-    /// A new relationship: its identifier is a new one, and nothing but its type is set.
-    ToRelationship(Destination end, std::optional<RelationshipType> type);
 
     [[nodiscard]] const ObjectID<AnyRelationship>& id() const noexcept { return backingRelationship.id(); }
     [[nodiscard]] const ObjectID<AnyRelationship>& objectID() const noexcept { return backingRelationship.objectID(); }
@@ -72,6 +61,80 @@ struct ToRelationship {
     void setRelationshipType(std::optional<RelationshipType> type) {
         backingRelationship.relationshipType = std::move(type);
     }
+
+    friend bool operator==(const SeenRelationship&, const SeenRelationship&) = default;
+
+  protected:
+    [[nodiscard]] static AnyRelationship newRecord(std::optional<RelationshipType> type);
+};
+
+/// A relationship whose far end is a contact: what the views of both directions offer.
+template <class Relationship>
+class ContactRelationshipView {
+  public:
+    [[nodiscard]] const ObjectID<AnyRelationship>& id() const noexcept { return relationship_.id(); }
+    [[nodiscard]] const ObjectID<AnyRelationship>& objectID() const noexcept { return relationship_.objectID(); }
+    [[nodiscard]] const std::optional<Date>& createDate() const noexcept { return relationship_.createDate(); }
+    [[nodiscard]] const std::optional<std::string>& details() const noexcept { return relationship_.details(); }
+    void setDetails(std::optional<std::string> details) { relationship_.setDetails(std::move(details)); }
+    [[nodiscard]] const std::optional<RelationshipType>& relationshipType() const noexcept {
+        return relationship_.relationshipType();
+    }
+    void setRelationshipType(std::optional<RelationshipType> type) {
+        relationship_.setRelationshipType(std::move(type));
+    }
+
+    friend bool operator==(const ContactRelationshipView&, const ContactRelationshipView&) = default;
+
+  protected:
+    explicit ContactRelationshipView(Relationship relationship) : relationship_(std::move(relationship)) {}
+    [[nodiscard]] const Relationship& record() const noexcept { return relationship_; }
+    [[nodiscard]] const Contact& farContact() const noexcept { return *relationship_.contact(); }
+    void setFarContact(Contact contact) { relationship_.setContact(std::move(contact)); }
+
+  private:
+    /// Its far end is a contact.
+    Relationship relationship_;
+};
+
+/// What every view of a relationship offers.
+template <class View>
+concept SpecializedRelationship = requires(const View& view) {
+    { view.objectID() } -> std::same_as<const ObjectID<AnyRelationship>&>;
+    { view.createDate() } -> std::same_as<const std::optional<Date>&>;
+    { view.details() } -> std::same_as<const std::optional<std::string>&>;
+    { view.relationshipType() } -> std::same_as<const std::optional<RelationshipType>&>;
+};
+
+/// The far end of a relationship seen from its source.
+class RelationshipDestination : public RelationshipEnd<RelationshipDestination> {
+  public:
+    /// It could not be loaded.
+    [[nodiscard]] static RelationshipDestination missingDestination() {
+        return RelationshipDestination(NoPayload<2>{});
+    }
+
+    [[nodiscard]] bool isMissingDestination() const noexcept { return isMissing(); }
+
+    friend bool operator==(const RelationshipDestination&, const RelationshipDestination&) = default;
+
+  private:
+    friend RelationshipEnd<RelationshipDestination>;
+    explicit RelationshipDestination(Variant value) : RelationshipEnd(std::move(value)) {}
+};
+
+/// A relationship seen from its source: it points to its destination.
+struct ToRelationship : SeenRelationship {
+    using Destination = RelationshipDestination;
+
+    Destination destination = Destination::missingDestination();
+
+    /// A stored relationship.
+    ToRelationship(AnyRelationship record, Destination end)
+        : SeenRelationship{std::move(record)}, destination(std::move(end)) {}
+    /// A new relationship: its identifier is a new one, and nothing but its type is set.
+    ToRelationship(Destination end, std::optional<RelationshipType> type)
+        : ToRelationship(newRecord(std::move(type)), std::move(end)) {}
 
     // The destination when it is of that kind. Setting one makes it the destination; setting an absent one makes the
     // destination missing when it was of that kind, and changes nothing otherwise.
@@ -84,100 +147,61 @@ struct ToRelationship {
 };
 
 /// A relationship to another contact, with that contact at hand.
-class ToContactRelationship {
+class ToContactRelationship : public ContactRelationshipView<ToRelationship> {
   public:
     /// Absent unless the destination is a contact.
     [[nodiscard]] static std::optional<ToContactRelationship> from(ToRelationship relationship);
     /// A new relationship: its identifier is a new one, and nothing but its type is set.
-    ToContactRelationship(Contact contact, std::optional<RelationshipType> type);
+    ToContactRelationship(Contact contact, std::optional<RelationshipType> type)
+        : ContactRelationshipView(
+              ToRelationship(ToRelationship::Destination::contact(std::move(contact)), std::move(type))) {}
 
-    [[nodiscard]] const ToRelationship& toRelationshipRecord() const noexcept { return backingRelationship_; }
-    [[nodiscard]] const Contact& destination() const noexcept { return *backingRelationship_.contact(); }
-    void setDestination(Contact destination) { backingRelationship_.setContact(std::move(destination)); }
-    [[nodiscard]] const ObjectID<AnyRelationship>& id() const noexcept { return backingRelationship_.id(); }
-    [[nodiscard]] const ObjectID<AnyRelationship>& objectID() const noexcept { return backingRelationship_.objectID(); }
-    [[nodiscard]] const std::optional<Date>& createDate() const noexcept { return backingRelationship_.createDate(); }
-    [[nodiscard]] const std::optional<std::string>& details() const noexcept { return backingRelationship_.details(); }
-    void setDetails(std::optional<std::string> details) { backingRelationship_.setDetails(std::move(details)); }
-    [[nodiscard]] const std::optional<RelationshipType>& relationshipType() const noexcept {
-        return backingRelationship_.relationshipType();
-    }
-    void setRelationshipType(std::optional<RelationshipType> type) {
-        backingRelationship_.setRelationshipType(std::move(type));
-    }
+    [[nodiscard]] const ToRelationship& toRelationshipRecord() const noexcept { return record(); }
+    [[nodiscard]] const Contact& destination() const noexcept { return farContact(); }
+    void setDestination(Contact destination) { setFarContact(std::move(destination)); }
 
     friend bool operator==(const ToContactRelationship&, const ToContactRelationship&) = default;
 
   private:
-    explicit ToContactRelationship(ToRelationship relationship) : backingRelationship_(std::move(relationship)) {}
-
-    /// Its destination is a contact.
-    ToRelationship backingRelationship_;
+    explicit ToContactRelationship(ToRelationship relationship) : ContactRelationshipView(std::move(relationship)) {}
 };
 
 /// What the views of a relationship seen from its source offer.
 template <class View>
-concept ToRelationshipSpecialization = requires(const View& view, const ToRelationship& relationship) {
-    { View::from(relationship) } -> std::same_as<std::optional<View>>;
-    { view.toRelationshipRecord() } -> std::same_as<const ToRelationship&>;
-    { view.objectID() } -> std::same_as<const ObjectID<AnyRelationship>&>;
-    { view.createDate() } -> std::same_as<const std::optional<Date>&>;
-    { view.details() } -> std::same_as<const std::optional<std::string>&>;
-    { view.relationshipType() } -> std::same_as<const std::optional<RelationshipType>&>;
-};
+concept ToRelationshipSpecialization =
+    SpecializedRelationship<View> && requires(const View& view, const ToRelationship& relationship) {
+        { View::from(relationship) } -> std::same_as<std::optional<View>>;
+        { view.toRelationshipRecord() } -> std::same_as<const ToRelationship&>;
+    };
 static_assert(ToRelationshipSpecialization<ToContactRelationship>);
 
-/// The far end of a relationship seen from its destination: another contact or a company. Copies share the record.
-class RelationshipSource : public Choice<RelationshipSource, Shared<Contact>, Shared<Company>, NoPayload<2>> {
+/// The far end of a relationship seen from its destination.
+class RelationshipSource : public RelationshipEnd<RelationshipSource> {
   public:
-    [[nodiscard]] static RelationshipSource contact(Contact contact) {
-        return RelationshipSource(Shared(std::move(contact)));
-    }
-    [[nodiscard]] static RelationshipSource company(Company company) {
-        return RelationshipSource(Shared(std::move(company)));
-    }
     /// It could not be loaded.
     [[nodiscard]] static RelationshipSource missingSource() { return RelationshipSource(NoPayload<2>{}); }
 
-    [[nodiscard]] const Contact* contact() const noexcept { return shared<Contact>(); }
-    [[nodiscard]] const Company* company() const noexcept { return shared<Company>(); }
-    [[nodiscard]] bool isMissingSource() const noexcept { return caseIndex() == 2; }
+    [[nodiscard]] bool isMissingSource() const noexcept { return isMissing(); }
 
     friend bool operator==(const RelationshipSource&, const RelationshipSource&) = default;
 
   private:
-    explicit RelationshipSource(Variant value) : Choice(std::move(value)) {}
-    template <class Record>
-    [[nodiscard]] const Record* shared() const noexcept {
-        const auto* record = payloadIf<Shared<Record>>();
-        return record != nullptr ? record->get() : nullptr;
-    }
+    friend RelationshipEnd<RelationshipSource>;
+    explicit RelationshipSource(Variant value) : RelationshipEnd(std::move(value)) {}
 };
 
 /// A relationship seen from its destination: it points back to its source.
-struct FromRelationship {
+struct FromRelationship : SeenRelationship {
     using Source = RelationshipSource;
 
-    AnyRelationship backingRelationship;
     Source source = Source::missingSource();
 
     /// A stored relationship.
     FromRelationship(AnyRelationship record, Source end)
-        : backingRelationship(std::move(record)), source(std::move(end)) {}
+        : SeenRelationship{std::move(record)}, source(std::move(end)) {}
     /// A new relationship: its identifier is a new one, and nothing but its type is set.
-    FromRelationship(Source end, std::optional<RelationshipType> type);
-
-    [[nodiscard]] const ObjectID<AnyRelationship>& id() const noexcept { return backingRelationship.id(); }
-    [[nodiscard]] const ObjectID<AnyRelationship>& objectID() const noexcept { return backingRelationship.objectID(); }
-    [[nodiscard]] const std::optional<Date>& createDate() const noexcept { return backingRelationship.createDate; }
-    [[nodiscard]] const std::optional<std::string>& details() const noexcept { return backingRelationship.details; }
-    void setDetails(std::optional<std::string> details) { backingRelationship.details = std::move(details); }
-    [[nodiscard]] const std::optional<RelationshipType>& relationshipType() const noexcept {
-        return backingRelationship.relationshipType;
-    }
-    void setRelationshipType(std::optional<RelationshipType> type) {
-        backingRelationship.relationshipType = std::move(type);
-    }
+    FromRelationship(Source end, std::optional<RelationshipType> type)
+        : FromRelationship(newRecord(std::move(type)), std::move(end)) {}
 
     // The source when it is of that kind. Setting one makes it the source; setting an absent one makes the source
     // missing when it was of that kind, and changes nothing otherwise.
@@ -190,47 +214,33 @@ struct FromRelationship {
 };
 
 /// A relationship from another contact, with that contact at hand.
-class FromContactRelationship {
+class FromContactRelationship : public ContactRelationshipView<FromRelationship> {
   public:
     /// Absent unless the source is a contact.
     [[nodiscard]] static std::optional<FromContactRelationship> from(FromRelationship relationship);
     /// A new relationship: its identifier is a new one, and nothing but its type is set.
-    FromContactRelationship(Contact contact, std::optional<RelationshipType> type);
+    FromContactRelationship(Contact contact, std::optional<RelationshipType> type)
+        : ContactRelationshipView(
+              FromRelationship(FromRelationship::Source::contact(std::move(contact)), std::move(type))) {}
 
-    [[nodiscard]] const FromRelationship& fromRelationshipRecord() const noexcept { return backingRelationship_; }
-    [[nodiscard]] const Contact& source() const noexcept { return *backingRelationship_.contact(); }
-    void setSource(Contact source) { backingRelationship_.setContact(std::move(source)); }
-    [[nodiscard]] const ObjectID<AnyRelationship>& id() const noexcept { return backingRelationship_.id(); }
-    [[nodiscard]] const ObjectID<AnyRelationship>& objectID() const noexcept { return backingRelationship_.objectID(); }
-    [[nodiscard]] const std::optional<Date>& createDate() const noexcept { return backingRelationship_.createDate(); }
-    [[nodiscard]] const std::optional<std::string>& details() const noexcept { return backingRelationship_.details(); }
-    void setDetails(std::optional<std::string> details) { backingRelationship_.setDetails(std::move(details)); }
-    [[nodiscard]] const std::optional<RelationshipType>& relationshipType() const noexcept {
-        return backingRelationship_.relationshipType();
-    }
-    void setRelationshipType(std::optional<RelationshipType> type) {
-        backingRelationship_.setRelationshipType(std::move(type));
-    }
+    [[nodiscard]] const FromRelationship& fromRelationshipRecord() const noexcept { return record(); }
+    [[nodiscard]] const Contact& source() const noexcept { return farContact(); }
+    void setSource(Contact source) { setFarContact(std::move(source)); }
 
     friend bool operator==(const FromContactRelationship&, const FromContactRelationship&) = default;
 
   private:
-    explicit FromContactRelationship(FromRelationship relationship) : backingRelationship_(std::move(relationship)) {}
-
-    /// Its source is a contact.
-    FromRelationship backingRelationship_;
+    explicit FromContactRelationship(FromRelationship relationship)
+        : ContactRelationshipView(std::move(relationship)) {}
 };
 
 /// What the views of a relationship seen from its destination offer.
 template <class View>
-concept FromRelationshipSpecialization = requires(const View& view, const FromRelationship& relationship) {
-    { View::from(relationship) } -> std::same_as<std::optional<View>>;
-    { view.fromRelationshipRecord() } -> std::same_as<const FromRelationship&>;
-    { view.objectID() } -> std::same_as<const ObjectID<AnyRelationship>&>;
-    { view.createDate() } -> std::same_as<const std::optional<Date>&>;
-    { view.details() } -> std::same_as<const std::optional<std::string>&>;
-    { view.relationshipType() } -> std::same_as<const std::optional<RelationshipType>&>;
-};
+concept FromRelationshipSpecialization =
+    SpecializedRelationship<View> && requires(const View& view, const FromRelationship& relationship) {
+        { View::from(relationship) } -> std::same_as<std::optional<View>>;
+        { view.fromRelationshipRecord() } -> std::same_as<const FromRelationship&>;
+    };
 static_assert(FromRelationshipSpecialization<FromContactRelationship>);
 
 /// A relationship with another contact in either direction, for lists of them all.
