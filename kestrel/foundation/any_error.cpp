@@ -1,0 +1,13 @@
+#include <fmt/format.h>
+#include <kestrel/foundation/any_error.h>
+
+namespace kestrel::error_detail {
+
+PlatformError plainForm(std::string_view typeName, std::int64_t code) {
+    const std::string domain = fmt::format("KestrelService.{}", typeName);
+    return {.domain = domain,
+            .code = code,
+            .localizedDescription = fmt::format("The operation couldn’t be completed. ({} error {}.)", domain, code)};
+}
+
+}  // namespace kestrel::error_detail
