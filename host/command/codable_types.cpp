@@ -9,6 +9,8 @@
 #include <kestrel/boards/board_card_pasteboard.h>
 #include <kestrel/boards/board_config.h>
 #include <kestrel/boards/opportunity_state.h>
+#include <kestrel/calendar/alert_object.h>
+#include <kestrel/calendar/reminder.h>
 #include <kestrel/calendar/repeat_entries.h>
 #include <kestrel/coding/json.h>
 #include <kestrel/details/electronic_address.h>
@@ -29,6 +31,12 @@
 #include <kestrel/records/partial_date.h>
 #include <kestrel/relationships/contact_link.h>
 #include <kestrel/relationships/role_type.h>
+#include <kestrel/session/database_preference.h>
+#include <kestrel/session/login_error.h>
+#include <kestrel/session/login_state.h>
+#include <kestrel/session/schema_migration_state.h>
+#include <kestrel/session/service_errors.h>
+#include <kestrel/session/session_state.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -96,6 +104,8 @@ class TypeTable {
         add<FormFieldItem>("FormFieldItem");
         add<FormItem>("FormItem");
         add<LinkTarget>("LinkTarget");
+        add<LoginError::CaseName>("LoginError.CaseName");
+        add<LoginState::CaseName>("LoginState.CaseName");
         add<Name>("Name");
         add<NextActivity>("NextActivity");
         add<NextActivityType>("NextActivityType");
@@ -117,8 +127,11 @@ class TypeTable {
         add<ProjectBoardCardData>("ProjectBoardCardData");
         add<ProjectBoardConfig>("ProjectBoardConfig");
         add<ProjectBoardFilter>("ProjectBoardFilter");
+        add<ReadError::CaseName>("ReadError.CaseName");
         add<RGBAColor>("RGBAColor");
         add<RoleTypeAppliesTo>("RoleTypeAppliesTo");
+        add<SchemaMigrationState::CaseName>("SchemaMigrationState.CaseName");
+        add<SessionState::CaseName>("SessionState.CaseName");
         add<SocialProfile>("SocialProfile");
         add<TaskID>("TaskID");
         add<TaskItem>("TaskItem");
@@ -127,6 +140,7 @@ class TypeTable {
         add<TextBody>("TextBody");
         add<TimeblockItem>("TimeblockItem");
         add<TimeblockOccurrence>("TimeblockOccurrence");
+        add<UpdateError::CaseName>("UpdateError.CaseName");
         add<URLAddress>("URLAddress");
         add<URLReferenceItem>("URLReferenceItem");
         std::ranges::sort(types_.begin() + firstOther, types_.end(), {}, &CodableType::name);

@@ -3,8 +3,8 @@
 
 namespace kestrel::error_detail {
 
-PlatformError plainForm(std::string_view typeName, std::int64_t code) {
-    const std::string domain = fmt::format("KestrelService.{}", typeName);
+PlatformError plainForm(std::string_view type, std::int64_t code) {
+    const std::string domain = fmt::format("KestrelService.{}", type);
     return {.domain = domain,
             .code = code,
             .localizedDescription = fmt::format("The operation couldn’t be completed. ({} error {}.)", domain, code)};

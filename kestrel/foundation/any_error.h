@@ -2,6 +2,7 @@
 
 #include <kestrel/foundation/enumeration.h>
 #include <kestrel/foundation/platform_error.h>
+#include <kestrel/foundation/type_name.h>
 #include <concepts>
 #include <cstdint>
 #include <memory>
@@ -16,16 +17,6 @@ class AnyError;
 
 namespace error_detail {
 
-/// The type's name without its namespaces.
-template <class E>
-consteval std::string_view typeName() {
-    std::string_view text = __PRETTY_FUNCTION__;
-    text = text.substr(text.find("E = ") + 4);
-    text = text.substr(0, text.find_first_of(";]<"));
-    const auto colon = text.find_last_of(':');
-    return colon == std::string_view::npos ? text : text.substr(colon + 1);
-}
-
 template <class E>
 concept HasCases = requires(const E& error) {
     { error.caseIndex() } -> std::convertible_to<std::size_t>;
@@ -36,7 +27,7 @@ concept HasPlatformForm = requires(const E& error) {
     { platformError(error) } -> std::same_as<PlatformError>;
 };
 
-[[nodiscard]] PlatformError plainForm(std::string_view typeName, std::int64_t code);
+[[nodiscard]] PlatformError plainForm(std::string_view type, std::int64_t code);
 
 }  // namespace error_detail
 
@@ -44,7 +35,7 @@ concept HasPlatformForm = requires(const E& error) {
 /// `PlatformError platformError(const E&)` beside it.
 template <class E>
 concept ErrorValue =
-    !std::same_as<E, AnyError> && std::copy_constructible<E> &&
+    !std::same_as<E, AnyError> &&
     (std::same_as<E, PlatformError> || error_detail::HasPlatformForm<E> || Enumeration<E> || error_detail::HasCases<E>);
 
 namespace error_detail {
@@ -97,6 +88,8 @@ class AnyError {
     };
     template <class E>
     struct Holder final : Base {
+        // Asked here: a concept that asks it would have a choice that is an error ask whether it is its own payload.
+        static_assert(std::copy_constructible<E>);
         explicit Holder(E held) : error(std::move(held)) {}
         [[nodiscard]] PlatformError form() const override { return error_detail::formOf(error); }
         E error;

@@ -144,6 +144,32 @@ Date Calendar::startOf(local_days day) const {
     return Date::from(std::chrono::sys_seconds(std::chrono::seconds(start.time_since_epoch().count())));
 }
 
+Date Calendar::nextStartOf(ClockUnit unit, Date date) const {
+    const std::int64_t length = unit == ClockUnit::minute ? 60 : 3'600;
+    const local_days inUTC = dayInUTC(date);
+    const bool isUTC = zone_ == nullptr || !isWithinYears(inUTC);
+    const ::date::days back(isUTC ? 0 : daysToTabulatedYear(year_month_day(inUTC).year()).count());
+    const double seconds = std::floor(date.since1970());
+    if (isUTC)
+        return Date::since1970((std::floor(seconds / static_cast<double>(length)) + 1) * static_cast<double>(length));
+
+    ::date::sys_seconds moment(std::chrono::seconds(static_cast<std::int64_t>(seconds)) - back);
+    auto rule = zone_->get_info(moment);
+    while (true) {
+        const std::int64_t now = moment.time_since_epoch().count();
+        const std::int64_t passed = ((now + rule.offset.count()) % length + length) % length;
+        const std::int64_t next = now + length - passed;
+        // What comes behind a change of the clocks is theirs to say.
+        if (next < rule.end.time_since_epoch().count())
+            return Date::since1970(static_cast<double>(
+                (::date::sys_seconds(std::chrono::seconds(next)) + back).time_since_epoch().count()));
+        moment = rule.end;
+        rule = zone_->get_info(moment);
+        if ((moment.time_since_epoch() + rule.offset).count() % length == 0)
+            return Date::since1970(static_cast<double>((moment + back).time_since_epoch().count()));
+    }
+}
+
 bool operator==(const Calendar& a, const Calendar& b) {
     return a.firstWeekday_ == b.firstWeekday_ && (a.zone_ == b.zone_ || a.timeZoneName() == b.timeZoneName());
 }

@@ -2,6 +2,7 @@
 
 #include <kestrel/foundation/date.h>
 #include <chrono>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,6 +12,8 @@ class time_zone;
 }
 
 namespace kestrel {
+
+enum class ClockUnit : std::uint8_t { minute, hour };
 
 /// The Gregorian calendar in a time zone, with a first day of the week. A small value: copying is cheap, and reading it
 /// is safe from any thread.
@@ -48,6 +51,11 @@ class Calendar {
     /// Quarters start with January, April, July and October.
     [[nodiscard]] Date startOfQuarter(Date date) const;
     [[nodiscard]] Date startOfYear(Date date) const;
+
+    /// The first moment after `date` at which a minute or an hour starts on the clocks of the zone. Where clocks are
+    /// put forward or back, hours may be shorter or longer; an hour that the change cuts off at its start does not
+    /// start.
+    [[nodiscard]] Date nextStartOf(ClockUnit unit, Date date) const;
 
     /// The same zone by its name, and the same first weekday.
     friend bool operator==(const Calendar& a, const Calendar& b);

@@ -10,12 +10,60 @@
 
 /// What an enumeration of the library knows about itself: its cases in the order of their raw values, their names, and
 /// the way from a raw value or a name back to the case. The enumeration lists its cases and raw values once, in its own
-/// declaration; raw values lie between 0 and 63.
+/// declaration.
 namespace kestrel {
+
+/// The integers from `first` to `last`, both included.
+struct RawValueRange {
+    std::int64_t first;
+    std::int64_t last;
+};
+
+/// Where the raw values of an enumeration lie: 0 to 63, unless specialised beside the enumeration, with ascending
+/// ranges. A case outside of them is none for the functions below.
+///
+///     template <>
+///     inline constexpr auto rawValueRanges<Level> = std::array{RawValueRange{0, 0}, RawValueRange{1000, 1010}};
+template <class E>
+inline constexpr auto rawValueRanges = std::array{RawValueRange{0, 63}};
 
 namespace enumeration_detail {
 
-inline constexpr std::size_t rawValueLimit = 64;
+/// The integers of an enumeration's ranges stand one after the other, in slots.
+template <class E>
+consteval std::size_t countSlots() {
+    std::int64_t count = 0;
+    std::int64_t end = rawValueRanges<E>[0].first;
+    for (const auto [first, last] : rawValueRanges<E>) {
+        if (first < end || last < first) throw "the ranges of raw values have to ascend";
+        count += last - first + 1;
+        end = last + 1;
+    }
+    return static_cast<std::size_t>(count);
+}
+template <class E>
+inline constexpr std::size_t slotCount = countSlots<E>();
+
+/// The slot of a raw value, or `slotCount<E>` for one that lies in no range.
+template <class E>
+constexpr std::size_t slotOf(std::int64_t raw) noexcept {
+    std::size_t slot = 0;
+    for (const auto [first, last] : rawValueRanges<E>) {
+        if (raw >= first && raw <= last) return slot + static_cast<std::size_t>(raw - first);
+        slot += static_cast<std::size_t>(last - first + 1);
+    }
+    return slot;
+}
+
+template <class E>
+constexpr std::int64_t rawValueAt(std::size_t slot) noexcept {
+    auto left = static_cast<std::int64_t>(slot);
+    for (const auto [first, last] : rawValueRanges<E>) {
+        if (left <= last - first) return first + left;
+        left -= last - first + 1;
+    }
+    return 0;
+}
 
 /// The enumerator's own name as the compiler spells it, or an empty text when `V` is no enumerator.
 template <auto V>
@@ -32,8 +80,8 @@ consteval std::string_view spelledName() {
 template <class E>
 consteval auto spelledNames() {
     return []<std::size_t... I>(std::index_sequence<I...>) {
-        return std::array<std::string_view, sizeof...(I)>{spelledName<static_cast<E>(I)>()...};
-    }(std::make_index_sequence<rawValueLimit>());
+        return std::array<std::string_view, sizeof...(I)>{spelledName<static_cast<E>(rawValueAt<E>(I))>()...};
+    }(std::make_index_sequence<slotCount<E>>());
 }
 
 template <class E>
@@ -58,8 +106,9 @@ template <Enumeration E>
 inline constexpr auto allCases = [] {
     std::array<E, enumeration_detail::countCases<E>()> cases{};
     std::size_t next = 0;
-    for (std::size_t raw = 0; raw < enumeration_detail::rawValueLimit; ++raw) {
-        if (!enumeration_detail::names<E>[raw].empty()) cases[next++] = static_cast<E>(raw);
+    for (std::size_t slot = 0; slot < enumeration_detail::slotCount<E>; ++slot) {
+        if (enumeration_detail::names<E>[slot].empty()) continue;
+        cases[next++] = static_cast<E>(enumeration_detail::rawValueAt<E>(slot));
     }
     return cases;
 }();
@@ -68,9 +117,9 @@ inline constexpr auto allCases = [] {
 /// carries an underscore in code ("public_") and none in its name.
 template <Enumeration E>
 [[nodiscard]] constexpr std::string_view caseName(E value) noexcept {
-    const auto raw = static_cast<std::size_t>(value);
-    if (raw >= enumeration_detail::rawValueLimit) return {};
-    std::string_view name = enumeration_detail::names<E>[raw];
+    const std::size_t slot = enumeration_detail::slotOf<E>(static_cast<std::int64_t>(value));
+    if (slot == enumeration_detail::slotCount<E>) return {};
+    std::string_view name = enumeration_detail::names<E>[slot];
     if (name.ends_with('_')) name.remove_suffix(1);
     return name;
 }
@@ -114,8 +163,8 @@ template <TextBacked E>
 /// The case of that raw value; absent when no case has it.
 template <IntegerBacked E>
 [[nodiscard]] constexpr std::optional<E> fromRawValue(std::int64_t raw) noexcept {
-    if (raw < 0 || raw >= static_cast<std::int64_t>(enumeration_detail::rawValueLimit)) return std::nullopt;
-    if (enumeration_detail::names<E>[static_cast<std::size_t>(raw)].empty()) return std::nullopt;
+    const std::size_t slot = enumeration_detail::slotOf<E>(raw);
+    if (slot == enumeration_detail::slotCount<E> || enumeration_detail::names<E>[slot].empty()) return std::nullopt;
     return static_cast<E>(raw);
 }
 template <TextBacked E>

@@ -33,6 +33,7 @@ template <class... Entries>
 RecordRegister(Entries...) -> RecordRegister<Entries...>;
 
 inline constexpr RecordRegister recordTypes{
+    RecordNames<struct AlertObject>{"AlertObject"},
     RecordNames<struct AnyElectronicAddress>{"AnyElectronicAddress", "ElectronicAddress"},
     RecordNames<struct AnyLabel>{"AnyLabel", "Label"},
     RecordNames<struct AnyRelationship>{"AnyRelationship", "Relationship"},
@@ -45,6 +46,7 @@ inline constexpr RecordRegister recordTypes{
     RecordNames<struct CustomRecord>{"CustomRecord"},
     RecordNames<struct CustomRecordDefinition>{"CustomRecordDefinition"},
     RecordNames<struct CustomRecordSetDefinition>{"CustomRecordSetDefinition"},
+    RecordNames<struct DatabasePreference>{"DatabasePreference"},
     RecordNames<struct Email>{"Email"},
     RecordNames<struct EmailMessageStatus>{"EmailMessageStatus"},
     RecordNames<struct ExternalInvitation>{"ExternalInvitation"},
@@ -74,6 +76,7 @@ inline constexpr RecordRegister recordTypes{
     RecordNames<struct Project>{"Project"},
     RecordNames<struct RegionType>{"RegionType"},
     RecordNames<struct RelationshipType>{"RelationshipType"},
+    RecordNames<struct Reminder>{"Reminder"},
     RecordNames<struct RepeatEntry>{"RepeatEntry"},
     RecordNames<struct RepeatExceptionEntry>{"RepeatExceptionEntry"},
     RecordNames<struct Task>{"Task"},

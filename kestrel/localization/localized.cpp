@@ -20,17 +20,25 @@ struct Directive {
     std::size_t number = 0;
 };
 
+// The length of the conversion at the front of `rest`: of a text or of an integer. Zero when there is none.
+std::size_t conversionLength(std::string_view rest) {
+    for (const std::string_view conversion : {"@", "lld"}) {
+        if (rest.starts_with(conversion)) return conversion.size();
+    }
+    return 0;
+}
+
 Directive parseDirective(std::string_view rest) {
     using enum Directive::Kind;
-    if (rest.starts_with("%@")) return {.kind = next, .length = 2};
     if (rest.starts_with("%%")) return {.kind = literal, .length = 2};
+    if (const auto length = conversionLength(rest.substr(1)); length > 0) return {.kind = next, .length = length + 1};
     const auto end = rest.find_first_not_of("0123456789", 1);
-    if (end == 1 || end == std::string_view::npos || !rest.substr(end).starts_with("$@")) {
-        return {.kind = literal, .length = 1};
-    }
+    if (end == 1 || end == std::string_view::npos || rest[end] != '$') return {.kind = literal, .length = 1};
+    const auto length = conversionLength(rest.substr(end + 1));
+    if (length == 0) return {.kind = literal, .length = 1};
     std::size_t number = 0;
     if (std::from_chars(rest.data() + 1, rest.data() + end, number).ec != std::errc{}) number = 0;
-    return {.kind = numbered, .length = end + 2, .number = number};
+    return {.kind = numbered, .length = end + 1 + length, .number = number};
 }
 
 std::string filled(std::string_view pattern, Arguments arguments, std::source_location where) {

@@ -28,8 +28,9 @@ namespace kestrel {
 /// The text in the current language with its placeholders filled.
 ///
 /// `%@` stands for the next argument in order and `%1$@`, `%2$@` and so on for the first, the second and so on, which
-/// lets a translation change the order. `%%` is a percent sign, and any other percent sign stands for itself. What an
-/// argument contains is never looked at. Arguments without a placeholder are left out.
+/// lets a translation change the order. `%lld` and `%1$lld` are the same and tell translators that an integer stands
+/// there; the caller gives its decimal text. `%%` is a percent sign, and any other percent sign stands for itself. What
+/// an argument contains is never looked at. Arguments without a placeholder are left out.
 ///
 /// A placeholder without an argument is a mistake in the program: fatal(), naming the caller's line.
 [[nodiscard]] std::string localized(std::string_view text, std::string_view comment,

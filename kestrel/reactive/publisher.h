@@ -84,7 +84,8 @@ class AnyPublisher {
         // Made anew for each subscriber, as it remembers.
         return deferredFilter([] {
             return [last = std::optional<Output>()](const Output& value) mutable {
-                if (last == value) return false;
+                // Not `last == value`: where values are optionals themselves, that compares other things.
+                if (last && *last == value) return false;
                 last = value;
                 return true;
             };

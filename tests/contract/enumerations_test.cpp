@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 #include <kestrel/activity/email.h>
+#include <kestrel/calendar/alert_object.h>
+#include <kestrel/calendar/reminder.h>
 #include <kestrel/calendar/task.h>
 #include <kestrel/calendar/timeblock.h>
 #include <kestrel/details/electronic_address.h>
@@ -27,7 +29,7 @@ void expectCases(const std::vector<std::pair<std::int64_t, std::string>>& cases)
         EXPECT_EQ(caseName(*value), name);
         EXPECT_EQ(rawValue(*value), raw);
     }
-    for (std::int64_t raw = -70; raw <= 300; ++raw)
+    for (std::int64_t raw = -70; raw <= 1100; ++raw)
         EXPECT_EQ(fromRawValue<E>(raw).has_value(), raws.contains(raw)) << raw;
     EXPECT_EQ(allCases<E>.size(), cases.size());
 }
@@ -62,6 +64,34 @@ TEST(Enumerations, haveTheStoresRawValues) {
                                   {4, "completed"},
                                   {5, "cancelled"},
                                   {6, "pencilIn"}});
+    expectCases<AlertObjectType>({{0, "unknown"},
+                                  {1000, "delegation"},
+                                  {1001, "meetingInvitation"},
+                                  {1002, "meetingResponse"},
+                                  {1003, "reminder"},
+                                  {1004, "delegationUpdate"},
+                                  {1005, "meetingUpdate"},
+                                  {1006, "meetingDeletion"},
+                                  {1007, "delegationDeletion"},
+                                  {1008, "meetingUninvited"},
+                                  {1009, "externalInvitationResponse"},
+                                  {1010, "externalInvitationDeliveryFailure"}});
+    expectCases<ReminderType>({{0, "unknown"},
+                               {1, "display"},
+                               {2, "email"},
+                               {3, "sound"},
+                               {4, "runScript"},
+                               {5, "openFile"},
+                               {6, "speakText"},
+                               {7, "displayNote"}});
+    expectCases<ReminderUnit>({{0, "minutes"},
+                               {1, "hours"},
+                               {2, "days"},
+                               {3, "minutesAfter"},
+                               {4, "hoursAfter"},
+                               {5, "daysAfter"},
+                               {6, "onDateTime"},
+                               {7, "taskSameDay"}});
     expectCases<EmailDMIStatus>({{0, "none"}, {10, "legacy"}, {20, "draft"}});
     expectCases<RoleTypeAppliesTo>({{0, "contact"}, {1, "organization"}});
     expectCases<ContactPriority>({{0, "inactive"},

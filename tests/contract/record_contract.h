@@ -70,9 +70,10 @@ RecordContract recordContract(const std::string& recordName, const std::string& 
     return {recordName, check};
 }
 
-// The records of the library, in three parts.
+// The records of the library, in four parts.
 [[nodiscard]] std::vector<RecordContract> contractsOfRecords();
 [[nodiscard]] std::vector<RecordContract> contractsOfPipelinesAndLists();
 [[nodiscard]] std::vector<RecordContract> contractsOfPeopleAndActivity();
+[[nodiscard]] std::vector<RecordContract> contractsOfSessionAndAlerts();
 
 }  // namespace contract

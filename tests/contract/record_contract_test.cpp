@@ -13,6 +13,7 @@ std::vector<RecordContract> allContracts() {
     std::vector<RecordContract> all = contract::contractsOfRecords();
     std::ranges::copy(contract::contractsOfPipelinesAndLists(), std::back_inserter(all));
     std::ranges::copy(contract::contractsOfPeopleAndActivity(), std::back_inserter(all));
+    std::ranges::copy(contract::contractsOfSessionAndAlerts(), std::back_inserter(all));
     return all;
 }
 

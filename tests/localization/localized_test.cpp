@@ -69,9 +69,14 @@ TEST_F(Localized, FillsPlaceholdersInOrderAndByNumber) {
     EXPECT_EQ(localized("%10$@", "", {"1", "2", "3", "4", "5", "6", "7", "8", "9", "ten"}), "ten");
 }
 
+TEST_F(Localized, FillsPlaceholdersOfIntegersLikeOthers) {
+    EXPECT_EQ(localized("%lld of %@: %lld", "", {"-1009", "two", "3"}), "-1009 of two: 3");
+    EXPECT_EQ(localized("%2$lld%% %1$lldd", "", {"1", "20"}), "20% 1d");
+}
+
 TEST_F(Localized, LeavesAloneWhatIsNoPlaceholder) {
     EXPECT_EQ(localized("%@%% of %%@", "", {"50"}), "50% of %@");
-    EXPECT_EQ(localized("100% sure, 5 %, %1$d, %1@ %", "", {}), "100% sure, 5 %, %1$d, %1@ %");
+    EXPECT_EQ(localized("100% sure, 5 %, %1$d, %1@ %, %ld, %1$", "", {}), "100% sure, 5 %, %1$d, %1@ %, %ld, %1$");
     EXPECT_EQ(localized("%%", ""), "%%");
 }
 

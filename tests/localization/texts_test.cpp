@@ -60,12 +60,15 @@ std::vector<std::string> textsOf(const fs::path& file) {
 
 // The numbers of the arguments that a text places, from 1.
 std::set<std::size_t> placeholders(const std::string& text) {
-    static const std::regex directive{"%%|%@|%([0-9]+)\\$@"};
+    static const std::regex directive{"%%|%(?:@|lld)|%([0-9]+)\\$(?:@|lld)"};
     std::set<std::size_t> numbers;
     std::size_t next = 0;
     for (std::sregex_iterator match{text.begin(), text.end(), directive}, end; match != end; ++match) {
-        if (match->str() == "%@") numbers.insert(++next);
-        if ((*match)[1].matched) numbers.insert(std::stoul((*match)[1].str()));
+        if ((*match)[1].matched) {
+            numbers.insert(std::stoul((*match)[1].str()));
+        } else if (match->str() != "%%") {
+            numbers.insert(++next);
+        }
     }
     return numbers;
 }
@@ -134,13 +137,19 @@ TEST_F(UpdateTexts, MakesCommentsOfTheSecondArgumentAndOneEntryOfEqualTexts) {
         auto c = localized(marked.text, marked.comment);  // localized("not this", "")
         auto d = std::array{localizable("50% off", ""), localizable("Grün", "")};
         auto e = localized("Two "
-                           "parts", "One\nTwo");)");
+                           "parts", "One\nTwo");
+        auto f = localized("Code: %lld", "", {"3"});)");
     tree.write("kestrel/a.h", R"(auto a = kestrel::localized("Open", "");
         auto b = localized("Open", "A verb.");)");
     const auto [status, output] = update();
     ASSERT_EQ(status, 0) << output;
     EXPECT_EQ(table(templateName), R"(#: kestrel/b.cpp
 msgid "50% off"
+msgstr ""
+
+#: kestrel/b.cpp
+#, objc-format
+msgid "Code: %lld"
 msgstr ""
 
 #. 1: The index

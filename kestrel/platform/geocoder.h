@@ -1,0 +1,81 @@
+#pragma once
+
+#include <kestrel/foundation/hashing.h>
+#include <kestrel/foundation/platform_error.h>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kestrel {
+
+/// A postal address as an address book has it. What is not known is empty.
+struct PostalAddress {
+    /// Street and number; several lines where needed.
+    std::string street{};
+    std::string subLocality{};
+    std::string city{};
+    std::string subAdministrativeArea{};
+    /// State, province or region.
+    std::string state{};
+    std::string postalCode{};
+    std::string country{};
+    /// Two letters of ISO 3166-1, in either case.
+    std::string isoCountryCode{};
+
+    friend bool operator==(const PostalAddress&, const PostalAddress&) = default;
+};
+
+/// A place on the Earth, WGS 84.
+struct Coordinate {
+    /// Degrees, north positive.
+    double latitude{};
+    /// Degrees, east positive.
+    double longitude{};
+
+    friend bool operator==(const Coordinate&, const Coordinate&) = default;
+};
+
+/// A place and what is there.
+struct Placemark {
+    Coordinate coordinate{};
+    /// What to call it: a sight, a house, a street.
+    std::optional<std::string> name{};
+    PostalAddress address{};
+
+    friend bool operator==(const Placemark&, const Placemark&) = default;
+};
+
+/// The domain of what a geocoder reports, and its codes.
+inline constexpr std::string_view geocodingErrorDomain = "KestrelService.Geocoding";
+enum class GeocodingErrorCode : std::uint8_t {
+    locationUnknown = 0,
+    denied = 1,
+    network = 2,  ///< the server was not reached, or its answer makes no sense
+    foundNoResult = 8,
+    foundPartialResult = 9,
+    canceled = 10,
+};
+
+/// Finds the place of one address. For use on the main thread.
+class GeocoderProtocol {
+  public:
+    /// The places, the best first; an error says why there are none.
+    using CompletionHandler = std::move_only_function<void(std::optional<std::vector<Placemark>> placemarks,
+                                                           std::optional<PlatformError> error)>;
+
+    GeocoderProtocol() = default;
+    GeocoderProtocol(const GeocoderProtocol&) = delete;
+    GeocoderProtocol& operator=(const GeocoderProtocol&) = delete;
+    /// Cancels what runs.
+    virtual ~GeocoderProtocol() = default;
+
+    /// Calls back once, later, on the main thread; not at all when it is cancelled before. The geocoder may be destroyed
+    /// from inside the callback.
+    virtual void geocodePostalAddress(const PostalAddress& address, CompletionHandler completionHandler) = 0;
+    virtual void cancelGeocode() = 0;
+};
+
+}  // namespace kestrel

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <kestrel/reactive/publisher.h>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace kestrel {
+
+/// What a notification can be about. Told apart by identity, not by value.
+class NotificationObject {
+  public:
+    NotificationObject() = default;
+    NotificationObject(const NotificationObject&) = delete;
+    NotificationObject& operator=(const NotificationObject&) = delete;
+    virtual ~NotificationObject() = default;
+};
+
+/// Something happened, within this process.
+struct Notification {
+    std::string name{};
+    /// What it happened to; null when the notification says nothing about that. Valid while it is delivered.
+    const NotificationObject* object{};
+};
+
+/// Tells everybody in this process who listens what happened. May be used from any thread; a notification is delivered
+/// on the thread that posts it, before `post` returns.
+class NotificationCenter {
+  public:
+    NotificationCenter();
+    ~NotificationCenter();
+    NotificationCenter(const NotificationCenter&) = delete;
+    NotificationCenter& operator=(const NotificationCenter&) = delete;
+
+    /// The one that the platform's parts use. Lives as long as the process.
+    [[nodiscard]] static NotificationCenter& standard();
+
+    void post(std::string_view name, const NotificationObject* object = nullptr) const;
+    /// The notifications of that name from now on, without end; of any object.
+    [[nodiscard]] AnyPublisher<Notification> notifications(std::string_view name) const;
+    /// Those about that very object. Those without an object are not.
+    [[nodiscard]] AnyPublisher<Notification> notifications(std::string_view name,
+                                                           const NotificationObject* object) const;
+
+  private:
+    struct Subjects;
+    std::unique_ptr<Subjects> subjects_;
+};
+
+}  // namespace kestrel

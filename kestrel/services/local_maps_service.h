@@ -1,0 +1,21 @@
+#pragma once
+
+#include <kestrel/platform/workspace.h>
+#include <kestrel/services/system_maps_service.h>
+#include <memory>
+#include <utility>
+
+namespace kestrel {
+
+/// The maps of the desktop.
+class LocalMapsService final : public SystemMapsService {
+  public:
+    explicit LocalMapsService(std::shared_ptr<MapApplication> maps) : maps_(std::move(maps)) {}
+
+    [[nodiscard]] bool openMapItem(const MapItem& item) override { return maps_->open(item); }
+
+  private:
+    std::shared_ptr<MapApplication> maps_;
+};
+
+}  // namespace kestrel

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <kestrel/platform/workspace.h>
+#include <kestrel/services/system_url_service.h>
+#include <memory>
+#include <utility>
+
+namespace kestrel {
+
+/// The applications of the desktop.
+class LocalURLService final : public SystemURLService {
+  public:
+    explicit LocalURLService(std::shared_ptr<Workspace> workspace) : workspace_(std::move(workspace)) {}
+
+    [[nodiscard]] bool canOpenURL(const URL& url) const override;
+    [[nodiscard]] AnyPublisher<Never, PlatformError> openURL(const URL& url) override;
+
+  private:
+    std::shared_ptr<Workspace> workspace_;
+};
+
+}  // namespace kestrel

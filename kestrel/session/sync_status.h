@@ -1,0 +1,83 @@
+#pragma once
+
+#include <kestrel/foundation/any_error.h>
+#include <kestrel/foundation/choice.h>
+#include <kestrel/foundation/date.h>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace kestrel {
+
+struct SyncFailure {
+    /// For developers.
+    std::optional<std::string> reason{};
+
+    friend bool operator==(const SyncFailure&, const SyncFailure&) = default;
+};
+
+/// Why the local database could not be brought up to date with the server.
+class SyncError : public Choice<SyncError, SyncFailure, NoPayload<1>, NoPayload<2>> {
+  public:
+    using SyncFailure = kestrel::SyncFailure;
+
+    [[nodiscard]] static SyncError syncFailure(std::optional<std::string> reason) {
+        return SyncError(SyncFailure{std::move(reason)});
+    }
+    /// The access of this device was withdrawn.
+    [[nodiscard]] static SyncError deviceRevoked() { return SyncError(NoPayload<1>{}); }
+    /// The user's account was deactivated.
+    [[nodiscard]] static SyncError userDeactivated() { return SyncError(NoPayload<2>{}); }
+
+    [[nodiscard]] std::optional<SyncFailure> syncFailure() const { return payload<SyncFailure>(); }
+
+    friend bool operator==(const SyncError&, const SyncError&) = default;
+
+  private:
+    explicit SyncError(Variant value) : Choice(std::move(value)) {}
+};
+/// A failure's reason stands in the user info under "reason".
+[[nodiscard]] PlatformError platformError(const SyncError& error);
+
+/// How a run ended.
+class SyncResult : public Choice<SyncResult, NoPayload<0>, SyncError> {
+  public:
+    [[nodiscard]] static SyncResult success() { return SyncResult(NoPayload<0>{}); }
+    [[nodiscard]] static SyncResult failure(SyncError error) { return SyncResult(std::move(error)); }
+
+    [[nodiscard]] std::optional<SyncError> failure() const { return payload<SyncError>(); }
+
+    friend bool operator==(const SyncResult&, const SyncResult&) = default;
+
+  private:
+    explicit SyncResult(Variant value) : Choice(std::move(value)) {}
+};
+
+/// One run of the synchronisation with the server, from `startDate` to `endDate`.
+struct SyncStatus {
+    using Result = SyncResult;
+
+    Result result;
+    Date startDate{};
+    Date endDate{};
+
+    friend bool operator==(const SyncStatus&, const SyncStatus&) = default;
+};
+
+/// What a run reports: that it started, then that it finished, and how.
+class SyncEvent : public Choice<SyncEvent, NoPayload<0>, SyncStatus> {
+  public:
+    [[nodiscard]] static SyncEvent started() { return SyncEvent(NoPayload<0>{}); }
+    [[nodiscard]] static SyncEvent finished(SyncStatus status) { return SyncEvent(std::move(status)); }
+
+    [[nodiscard]] std::optional<SyncStatus> finished() const { return payload<SyncStatus>(); }
+    /// That of a run that has finished.
+    [[nodiscard]] std::optional<SyncStatus> syncStatus() const { return finished(); }
+
+    friend bool operator==(const SyncEvent&, const SyncEvent&) = default;
+
+  private:
+    explicit SyncEvent(Variant value) : Choice(std::move(value)) {}
+};
+
+}  // namespace kestrel

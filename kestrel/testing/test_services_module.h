@@ -1,0 +1,33 @@
+#pragma once
+
+#include <kestrel/runtime/runtime.h>
+#include <kestrel/testing/fake_desktop.h>
+#include <kestrel/testing/fake_geocoder.h>
+#include <kestrel/testing/in_memory_user_defaults.h>
+#include <kestrel/testing/virtual_main_queue.h>
+#include <memory>
+#include <string>
+
+namespace kestrel {
+
+/// The services of SystemServicesModule, and reachability, without a desktop: the library's own implementations on top
+/// of stand-ins, which the test holds by the module.
+///
+///     TestServicesModule desktop;
+///     Runtime runtime(desktop);
+///     runtime[services::contacts] = std::make_shared<RecordingContactsService>();
+///     desktop.mainQueue->advanceBy(60);
+struct TestServicesModule {
+    std::string moduleName = "TestServices";
+    std::shared_ptr<VirtualMainQueue> mainQueue = std::make_shared<VirtualMainQueue>();
+    std::shared_ptr<InMemoryUserDefaults> userDefaults = std::make_shared<InMemoryUserDefaults>();
+    std::shared_ptr<FakeWorkspace> workspace = std::make_shared<FakeWorkspace>();
+    std::shared_ptr<FakeMapApplication> maps = std::make_shared<FakeMapApplication>();
+    std::shared_ptr<FakeUserNotificationCenter> notifications = std::make_shared<FakeUserNotificationCenter>();
+    std::shared_ptr<FakeReachability> network = std::make_shared<FakeReachability>();
+    FakeGeocoding geocoding{};
+
+    void registerIn(Runtime& runtime) const;
+};
+
+}  // namespace kestrel
