@@ -11,6 +11,7 @@ int main(int argc, char** argv) {
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
     benchmarks::addCoding();
     benchmarks::addActivity();
+    benchmarks::addReplay();
     RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmarks::printContactMemory();

@@ -6,6 +6,7 @@ namespace benchmarks {
 
 void addCoding();
 void addActivity();
+void addReplay();
 /// What a contact takes in memory, on average over the samples.
 void printContactMemory();
 

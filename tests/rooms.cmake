@@ -1,5 +1,6 @@
-# Reads every #include of the library and fails on one that leads down to a lower room, and on a library room that includes
-# the host.
+# Reads every #include of the library and fails on one that leads down to a lower room, on a library room that includes the
+# host, and on one outside of platform/linux/ that includes the desktop's libraries, HTTP's, the database's or what is in
+# there.
 set(rooms foundation coding localization reactive identity lookups access details files custom records calendar activity
   relationships boards invitations session runtime platform services testing)
 set(failures)
@@ -11,6 +12,14 @@ foreach(file IN LISTS sources)
   list(FIND rooms ${room} floor)
   if(floor EQUAL -1)
     list(APPEND failures "${path}: ${room} is no room")
+  endif()
+  # The operating system's part of platform/ is its own business.
+  if(NOT path MATCHES "^platform/linux/")
+    file(STRINGS ${file} system_includes REGEX
+      "^#include <(gio/|glib|curl/|sqlite3|SQLiteCpp/|kestrel/platform/linux/)")
+    foreach(include IN LISTS system_includes)
+      list(APPEND failures "${path}: ${include}")
+    endforeach()
   endif()
   file(STRINGS ${file} includes REGEX "^#include <kestrel/|^#include <host/|^#include \"")
   foreach(include IN LISTS includes)

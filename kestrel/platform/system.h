@@ -33,8 +33,10 @@ void setApplicationIdentity(ApplicationIdentity identity);
 
 /// The scheduler on the default main loop of the process, whoever runs it: the host, GTK, Qt. One for the process.
 [[nodiscard]] std::shared_ptr<MainQueue> mainQueue();
-/// Runs the main loop until `quit` is called; for programs without a loop of their own.
+/// Runs the main loop until `quitMainLoop` is called; for programs without a loop of their own. One may run within
+/// another.
 void runMainLoop();
+/// Ends the innermost loop that runs; nothing when none does. May be called from any thread.
 void quitMainLoop();
 
 /// The file of the user's preferences for this application.

@@ -4,6 +4,7 @@
 #include <kestrel/reactive/publisher.h>
 #include <kestrel/reactive/recursive_lock.h>
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -76,7 +77,8 @@ class ReplaySubject {
                 if (buffer.size() < bufferSize) {
                     buffer.push_back(value);
                 } else {
-                    buffer[number % bufferSize] = value;
+                    buffer[oldest] = value;
+                    if (++oldest == bufferSize) oldest = 0;
                 }
             }
             deliver([&](ReplaySubscription& each) { each.receive(value, number); });
@@ -92,8 +94,10 @@ class ReplaySubject {
             const std::scoped_lock locked(state->lock);
             const auto subscription = std::make_shared<ReplaySubscription>(std::move(subscriber), state);
             state->subscriptions.push_back(subscription);
+            ++state->deliveries;
             subscription->start();
             subscription->replay(*state);
+            state->finishDelivery();
         }
         /// Calls `give` for those who are subscribed now; who comes meanwhile is served by the replay.
         template <class Give>
@@ -101,30 +105,38 @@ class ReplaySubject {
             ++deliveries;
             const std::size_t count = subscriptions.size();
             for (std::size_t i = 0; i < count; ++i) {
-                // Kept while it runs: it may cancel itself, and the list may grow.
-                if (subscriptions[i]->isLive()) {
-                    const std::shared_ptr<ReplaySubscription> each = subscriptions[i];
-                    give(*each);
-                }
+                // Stays where it is until the delivery is over, whoever cancels and however the list grows.
+                ReplaySubscription& each = *subscriptions[i];
+                if (each.isLive()) give(each);
             }
+            finishDelivery();
+        }
+        void finishDelivery() {
             --deliveries;
             compact();
         }
-        /// Lets those go who have cancelled or ended, unless somebody further up is walking over them.
+        /// Lets those go who have cancelled or ended, unless somebody further up is delivering to them.
         void compact() {
             if (!hasDead || deliveries > 0) return;
             hasDead = false;
+            // Taken out before they are destroyed: what they own may use the subject.
+            const auto gone = std::exchange(released, {});
             std::erase_if(subscriptions, [](const auto& each) { return !each->isLive(); });
         }
 
         RecursiveLock lock;
         std::size_t bufferSize;
-        /// The last values; the one with number n stands at n modulo the size.
+        /// The last values: a ring, once it is full.
         std::vector<Output> buffer;
+        /// Where the oldest one stands.
+        std::size_t oldest = 0;
         /// How many values were sent: the number of the next one.
         std::uint64_t sent = 0;
         std::vector<std::shared_ptr<ReplaySubscription>> subscriptions;
         std::optional<Completion<Failure>> completion;
+        /// Those who have cancelled during a delivery, which may be one to themselves: they last until it is over.
+        std::vector<std::shared_ptr<Subscriber<Output, Failure>>> released;
+        /// How many deliveries are under way, each inside the other.
         int deliveries = 0;
         bool hasDead = false;
     };
@@ -136,23 +148,18 @@ class ReplaySubject {
             : downstream_(std::move(downstream)), state_(state) {}
 
         [[nodiscard]] bool isLive() const noexcept { return downstream_ != nullptr; }
-        void start() {
-            const auto downstream = downstream_;
-            downstream->receive(this->shared_from_this());
-        }
+        // These three deliver, and so are called during a delivery only.
+        void start() { downstream_->receive(this->shared_from_this()); }
         void receive(const Output& value, std::uint64_t number) {
             // Those before are given by the replay.
             if (number >= liveFrom_) give(value);
         }
         void replay(State& state) {
-            const std::uint64_t end = state.sent;
-            liveFrom_ = end;
-            const auto& buffer = state.buffer;
-            // A subscriber may send meanwhile and push values out of the buffer: they are replayed all the same.
-            std::vector<Output> values;
-            values.reserve(buffer.size());
-            for (std::uint64_t number = end - buffer.size(); number < end; ++number)
-                values.push_back(buffer[number % state.bufferSize]);
+            liveFrom_ = state.sent;
+            // A copy: a subscriber may send meanwhile and push values out of the buffer. They are replayed all the
+            // same.
+            std::vector<Output> values = state.buffer;
+            std::ranges::rotate(values, values.begin() + static_cast<std::ptrdiff_t>(state.oldest));
             for (const Output& value : values)
                 give(value);
             if (state.completion) this->end(*state.completion);
@@ -176,6 +183,7 @@ class ReplaySubject {
             {
                 const std::scoped_lock lock(state->lock);
                 downstream = release();
+                if (downstream != nullptr && state->deliveries > 0) state->released.push_back(downstream);
                 state->compact();
             }
         }
@@ -185,8 +193,7 @@ class ReplaySubject {
 
         void give(const Output& value) {
             if (downstream_ == nullptr || !demand_.take()) return;
-            const auto downstream = downstream_;
-            demand_ += downstream->receive(value);
+            if (const Demand more = downstream_->receive(value); !more.isNone()) demand_ += more;
         }
         [[nodiscard]] std::shared_ptr<Subscriber<Output, Failure>> release() {
             auto downstream = std::exchange(downstream_, nullptr);

@@ -14,7 +14,7 @@ function(expect_greeting prefix)
   get_filename_component(folder "${library}" DIRECTORY)
   run(${CMAKE_COMMAND} -E env LD_LIBRARY_PATH=${folder} LC_ALL=C LANGUAGE=de ${WORK}/host/outside_host)
   # The last line says where the texts come from: the build tree must not be what serves the host.
-  if(NOT output MATCHES "^Organization/7 Vehicle/3 Öffentlich\n${prefix}/")
+  if(NOT output MATCHES "^Organization/7 Vehicle/3 Öffentlich\n6 7\n${prefix}/")
     message(FATAL_ERROR "The host printed: ${output}")
   endif()
 endfunction()

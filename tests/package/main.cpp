@@ -3,6 +3,8 @@
 #include <kestrel/identity/any_object_id.h>
 #include <kestrel/localization/resource_bundle.h>
 #include <kestrel/records/company.h>
+#include <kestrel/services/system_services_module.h>
+#include <kestrel/testing/test_services_module.h>
 
 #include <cstdio>
 
@@ -18,6 +20,9 @@ int main() {
     std::printf("%s %s %s\n", kestrel::AnyObjectID(company.objectID()).stringValue().c_str(),
                 kestrel::AnyObjectID(vehicle.objectID()).stringValue().c_str(),
                 kestrel::PermissionChecker::empty().visibility(company).localizedDisplayName().c_str());
+    const kestrel::Runtime runtime = kestrel::Runtime::makeSystem();
+    const kestrel::Runtime tested{kestrel::TestServicesModule()};
+    std::printf("%zu %zu\n", runtime.installedProtocols().size(), tested.installedProtocols().size());
     std::printf("%s\n", kestrel::ResourceBundle::directory().c_str());
     return 0;
 }

@@ -15,7 +15,6 @@ namespace kestrel {
 
 namespace {
 
-using platform::GeocodingServer;
 using platform::HTTPAnswer;
 using Result = std::variant<std::vector<Placemark>, PlatformError>;
 
@@ -70,7 +69,7 @@ std::string acceptedLanguages(const std::string& wanted) {
     return header;
 }
 
-Result resultOf(HTTPAnswer answer, const std::string& host) {
+Result resultOf(const HTTPAnswer& answer, const std::string& host) {
     constexpr int ok = 200;
     if (!answer.failure.empty()) {
         auto error =
@@ -88,7 +87,7 @@ Result resultOf(HTTPAnswer answer, const std::string& host) {
         const bool isDenied =
             answer.status == unauthorized || answer.status == forbidden || answer.status == tooManyRequests;
         auto error = errorOf(isDenied ? GeocodingErrorCode::denied : GeocodingErrorCode::network,
-                             localized("The geocoding server %1$@ refused to answer: HTTP status %2$lld.",
+                             localized("The geocoding server %1$@ answered with an error: HTTP status %2$lld.",
                                        "Error; 1: the name of a server, 2: a number such as 503",
                                        {host, std::to_string(answer.status)}));
         error.userInfo.emplace("HTTPStatus", std::int64_t{answer.status});
@@ -158,10 +157,8 @@ void CurlGeocoder::geocodePostalAddress(const PostalAddress& address, Completion
     if (auto languages = acceptedLanguages(server->language); !languages.empty()) {
         request.headers.push_back(std::move(languages));
     }
-    requests_->add(platform::fetch(
-        request, [finish = std::move(finish), host = hostOf(server->baseURL)](HTTPAnswer answer) mutable {
-            finish(resultOf(std::move(answer), host));
-        }));
+    requests_->add(platform::fetch(request, [finish = std::move(finish), host = hostOf(server->baseURL)](
+                                                const HTTPAnswer& answer) mutable { finish(resultOf(answer, host)); }));
 }
 
 void CurlGeocoder::cancelGeocode() {

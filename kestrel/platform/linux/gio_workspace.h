@@ -13,9 +13,9 @@ namespace kestrel {
 /// the type of their content. An application counts for a type when `mimeapps.list` or a desktop database says so; its
 /// own `MimeType=` line is not enough.
 ///
-/// Errors are GIO's: "g-io-error-quark" with G_IO_ERROR_NOT_SUPPORTED where no application opens the URL, and
-/// "g-exec-error-quark" where its program cannot be started. Programs that only start other programs may fail after
-/// that, which nobody reports.
+/// Errors are GIO's: "g-io-error-quark" with G_IO_ERROR_NOT_SUPPORTED where no application opens the URL. One whose
+/// program is missing is none. Handed over means that the program was started; GIO does so through a helper, and what
+/// fails from there on nobody reports.
 class GIOWorkspace final : public Workspace {
   public:
     [[nodiscard]] std::vector<std::string> applicationsToOpen(const URL& url) const override;

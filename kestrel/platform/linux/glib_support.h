@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 // What the parts on GLib share: ownership of its objects, its errors, and file descriptors on the main loop.
@@ -18,6 +19,7 @@ struct GLibRelease {
     void operator()(GError* error) const noexcept { g_error_free(error); }
     void operator()(GVariant* variant) const noexcept { g_variant_unref(variant); }
     void operator()(GSettingsSchema* schema) const noexcept { g_settings_schema_unref(schema); }
+    void operator()(GSettingsSchemaKey* key) const noexcept { g_settings_schema_key_unref(key); }
     template <class Object>
     void operator()(Object* object) const noexcept {
         g_object_unref(object);
@@ -34,6 +36,13 @@ using GLibError = GLibOwned<GError>;
 template <class T>
 [[nodiscard]] GLibOwned<T> shared(T* object) {
     return GLibOwned<T>(static_cast<T*>(g_object_ref(object)));
+}
+
+/// Flags that are set together: any number of an enumeration's constants.
+template <class Flags>
+[[nodiscard]] constexpr Flags joined(Flags a, std::type_identity_t<Flags> b) {
+    // NOLINTNEXTLINE(clang-analyzer-optin.core.EnumCastOutOfRange): what is joined has no constant of its own.
+    return static_cast<Flags>(static_cast<unsigned>(a) | static_cast<unsigned>(b));
 }
 
 /// Takes the error that a call of GLib's has left. The text is GLib's own, in the language of the process's locale.

@@ -84,18 +84,17 @@ class Transfers {
         auto& self = *static_cast<Transfers*>(user);
         // Also a watch that is just calling: it lives until it has.
         self.watches_.erase(socket);
-        unsigned condition = 0;
-        if (action == CURL_POLL_IN || action == CURL_POLL_INOUT) condition |= G_IO_IN;
-        if (action == CURL_POLL_OUT || action == CURL_POLL_INOUT) condition |= G_IO_OUT;
-        if (condition == 0) return 0;
-        self.watches_[socket] =
-            watchDescriptor(nullptr, socket, static_cast<GIOCondition>(condition), [&self, socket](GIOCondition ready) {
-                int events = 0;
-                if ((ready & (G_IO_IN | G_IO_HUP)) != 0) events |= CURL_CSELECT_IN;
-                if ((ready & G_IO_OUT) != 0) events |= CURL_CSELECT_OUT;
-                if ((ready & G_IO_ERR) != 0) events |= CURL_CSELECT_ERR;
-                self.act(socket, events);
-            });
+        if (action == CURL_POLL_REMOVE) return 0;
+        const auto condition = action == CURL_POLL_IN    ? G_IO_IN
+                               : action == CURL_POLL_OUT ? G_IO_OUT
+                                                         : joined(G_IO_IN, G_IO_OUT);
+        self.watches_[socket] = watchDescriptor(nullptr, socket, condition, [&self, socket](GIOCondition ready) {
+            int events = 0;
+            if ((ready & (G_IO_IN | G_IO_HUP)) != 0) events |= CURL_CSELECT_IN;
+            if ((ready & G_IO_OUT) != 0) events |= CURL_CSELECT_OUT;
+            if ((ready & G_IO_ERR) != 0) events |= CURL_CSELECT_ERR;
+            self.act(socket, events);
+        });
         return 0;
     }
     static int setTimer(CURLM* /*multi*/, long milliseconds, void* user) noexcept {

@@ -120,9 +120,9 @@ std::optional<double> degrees(const Texts& texts, std::string_view key, double l
     const auto text = firstOf(texts, {key});
     double number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    const bool isWithin = number >= -limit && number <= limit;
     if (text.empty() || error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
-    // Not true of what is no number either.
-    if (!(number >= -limit && number <= limit)) return std::nullopt;
+    if (!isWithin) return std::nullopt;
     return number;
 }
 

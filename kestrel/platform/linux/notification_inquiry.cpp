@@ -1,3 +1,4 @@
+#include <gio/gsettingsbackend.h>
 #include <kestrel/platform/linux/glib_support.h>
 #include <kestrel/platform/linux/notification_inquiry.h>
 #include <kestrel/platform/system.h>
@@ -18,17 +19,38 @@ constexpr auto storePath = "/org/freedesktop/impl/portal/PermissionStore";
 
 // ---- the desktop's settings
 
-constexpr auto globalSchema = "org.gnome.desktop.notifications";
-constexpr auto applicationSchema = "org.gnome.desktop.notifications.application";
+/// Settings as they are stored, read without GSettings: that asks to be told of changes, over a connection to the
+/// session bus that ends the program when the bus goes. It also ends the program that asks for a schema that is not
+/// installed.
+class StoredSettings {
+  public:
+    /// The path ends in a slash. Defaults are what nobody has set.
+    StoredSettings(const char* schemaName, std::string path, bool countsDefaults)
+        : path_(std::move(path)), countsDefaults_(countsDefaults) {
+        GSettingsSchemaSource* const source = g_settings_schema_source_get_default();
+        if (source != nullptr) schema_.reset(g_settings_schema_source_lookup(source, schemaName, TRUE));
+    }
 
-/// The settings of a schema, or nothing where the desktop does not know it: GIO ends the program that asks it for one.
-GLibOwned<GSettings> settingsOf(const char* schemaName, const char* path) {
-    GSettingsSchemaSource* const source = g_settings_schema_source_get_default();
-    if (source == nullptr) return nullptr;
-    const GLibOwned<GSettingsSchema> schema(g_settings_schema_source_lookup(source, schemaName, TRUE));
-    if (!schema) return nullptr;
-    return GLibOwned<GSettings>(g_settings_new_full(schema.get(), nullptr, path));
-}
+    [[nodiscard]] std::optional<bool> truth(const std::string& name) const {
+        if (!schema_ || g_settings_schema_has_key(schema_.get(), name.c_str()) == FALSE) return std::nullopt;
+        const GLibOwned<GSettingsSchemaKey> key(g_settings_schema_get_key(schema_.get(), name.c_str()));
+        if (g_variant_type_equal(g_settings_schema_key_get_value_type(key.get()), G_VARIANT_TYPE_BOOLEAN) == FALSE) {
+            return std::nullopt;
+        }
+        const GLibOwned<GSettingsBackend> backend(g_settings_backend_get_default());
+        const auto place = path_ + name;
+        GLibOwned<GVariant> value(G_SETTINGS_BACKEND_GET_CLASS(backend.get())
+                                      ->read(backend.get(), place.c_str(), G_VARIANT_TYPE_BOOLEAN, FALSE));
+        if (!value && countsDefaults_) value.reset(g_settings_schema_key_get_default_value(key.get()));
+        if (!value || g_variant_is_of_type(value.get(), G_VARIANT_TYPE_BOOLEAN) == FALSE) return std::nullopt;
+        return g_variant_get_boolean(value.get()) != FALSE;
+    }
+
+  private:
+    std::string path_;
+    bool countsDefaults_;
+    GLibOwned<GSettingsSchema> schema_{};
+};
 
 /// Whether the desktop is the one whose settings these are, or made of it. Elsewhere their defaults mean nothing: the
 /// schemas are installed with many programs.
@@ -42,18 +64,6 @@ bool isDesktopOfSettings() {
         rest.remove_prefix(colon + 1);
     }
     return false;
-}
-
-std::optional<bool> truth(GSettings* settings, const char* key, bool countsDefaults) {
-    if (settings == nullptr) return std::nullopt;
-    GSettingsSchema* found = nullptr;
-    g_object_get(settings, "settings-schema", &found, nullptr);
-    const GLibOwned<GSettingsSchema> schema(found);
-    if (g_settings_schema_has_key(schema.get(), key) == FALSE) return std::nullopt;
-    GLibOwned<GVariant> value(g_settings_get_user_value(settings, key));
-    if (!value && countsDefaults) value.reset(g_settings_get_value(settings, key));
-    if (!value || g_variant_is_of_type(value.get(), G_VARIANT_TYPE_BOOLEAN) == FALSE) return std::nullopt;
-    return g_variant_get_boolean(value.get()) != FALSE;
 }
 
 /// The identifier as it stands in the path of its settings: small letters and digits, all else one hyphen.
@@ -73,16 +83,17 @@ std::string settingsName(std::string_view identifier) {
 
 DesktopNotificationSettings desktopSettings(std::string_view identifier) {
     const bool countsDefaults = isDesktopOfSettings();
-    const auto global = settingsOf(globalSchema, nullptr);
-    const auto path = "/org/gnome/desktop/notifications/application/" + settingsName(identifier) + "/";
-    const auto application = settingsOf(applicationSchema, path.c_str());
-    return {.showsBanners = truth(global.get(), "show-banners", countsDefaults),
-            .showsOnLockScreen = truth(global.get(), "show-in-lock-screen", countsDefaults),
-            .isEnabled = truth(application.get(), "enable", countsDefaults),
-            .applicationShowsBanners = truth(application.get(), "show-banners", countsDefaults),
-            .applicationShowsOnLockScreen = truth(application.get(), "show-in-lock-screen", countsDefaults),
-            .showsDetailsOnLockScreen = truth(application.get(), "details-in-lock-screen", countsDefaults),
-            .playsSounds = truth(application.get(), "enable-sound-alerts", countsDefaults)};
+    const std::string path = "/org/gnome/desktop/notifications/";
+    const StoredSettings global("org.gnome.desktop.notifications", path, countsDefaults);
+    const StoredSettings application("org.gnome.desktop.notifications.application",
+                                     path + "application/" + settingsName(identifier) + "/", countsDefaults);
+    return {.showsBanners = global.truth("show-banners"),
+            .showsOnLockScreen = global.truth("show-in-lock-screen"),
+            .isEnabled = application.truth("enable"),
+            .applicationShowsBanners = application.truth("show-banners"),
+            .applicationShowsOnLockScreen = application.truth("show-in-lock-screen"),
+            .showsDetailsOnLockScreen = application.truth("details-in-lock-screen"),
+            .playsSounds = application.truth("enable-sound-alerts")};
 }
 
 // ---- the bus
@@ -102,13 +113,13 @@ class Inquiry : public std::enable_shared_from_this<Inquiry> {
             mainQueue()->schedule([self = shared_from_this()] { self->finish(); });
             return;
         }
+        address_ = bus->address;
         timer_ = mainQueue()->scheduleAfter(seconds, [self = shared_from_this()] {
             if (self->problem_.empty()) self->problem_ = self->hangingProblem();
             self->finish();
         });
         constexpr auto flags =
-            static_cast<GDBusConnectionFlags>(static_cast<unsigned>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT) |
-                                              static_cast<unsigned>(G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION));
+            joined(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT, G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
         g_dbus_connection_new_for_address(bus->address.c_str(), flags, nullptr, cancellable_.get(), connected, keep());
     }
 
@@ -131,7 +142,7 @@ class Inquiry : public std::enable_shared_from_this<Inquiry> {
     }
     void connectionMade(GLibOwned<GDBusConnection> connection, const GError* error) {
         if (!connection) {
-            problem_ = std::string("the session bus cannot be reached: ") + error->message;
+            problem_ = "the session bus at " + address_ + " cannot be reached: " + error->message;
             return finish();
         }
         // A bus that goes away is none of the program's business.
@@ -223,6 +234,7 @@ class Inquiry : public std::enable_shared_from_this<Inquiry> {
     }
 
     std::string identifier_;
+    std::string address_{};
     /// Null once it has been called.
     Handler handler_;
     GLibOwned<GCancellable> cancellable_{g_cancellable_new()};

@@ -149,7 +149,8 @@ void bindBytes(SQLite::Statement& statement, int place, const void* bytes, std::
 }
 
 void bindDouble(SQLite::Statement& statement, int place, double number) {
-    if (std::isfinite(number) && !(number == 0 && std::signbit(number))) return statement.bind(place, number);
+    const bool isNegativeZero = number == 0 && std::signbit(number);
+    if (std::isfinite(number) && !isNegativeZero) return statement.bind(place, number);
     std::array<std::uint8_t, sizeof number> bytes{};
     auto bits = std::bit_cast<std::uint64_t>(number);
     for (auto& byte : bytes) {
@@ -306,7 +307,6 @@ std::expected<std::shared_ptr<SQLiteUserDefaults>, PlatformError> SQLiteUserDefa
 
 std::shared_ptr<SQLiteUserDefaults> SQLiteUserDefaults::openAnyway(const fs::path& file) {
     auto store = std::make_shared<SQLiteUserDefaults>(Private(), file);
-    (void)store->refresh();
     store->watch();
     return store;
 }
@@ -322,7 +322,7 @@ fs::path resolved(const fs::path& file) {
 
 }  // namespace
 
-SQLiteUserDefaults::SQLiteUserDefaults(Private, fs::path file) : file_(resolved(file)) {}
+SQLiteUserDefaults::SQLiteUserDefaults(Private, const fs::path& file) : file_(resolved(file)) {}
 
 SQLiteUserDefaults::~SQLiteUserDefaults() = default;
 
@@ -355,20 +355,22 @@ bool SQLiteUserDefaults::isStored(std::string_view key, const std::optional<Defa
 }
 
 std::expected<void, PlatformError> SQLiteUserDefaults::refresh() {
-    return refresh(std::unique_lock(databaseMutex_));
+    if (auto error = reload(std::unique_lock(databaseMutex_))) return std::unexpected(std::move(*error));
+    return {};
 }
 
-std::expected<void, PlatformError> SQLiteUserDefaults::refresh(std::unique_lock<std::mutex> lock) {
+std::optional<PlatformError> SQLiteUserDefaults::reload(std::unique_lock<std::mutex> lock) {
     bool hasChanged = false;
     auto result = attempt(file_, Purpose::reading, [&] { bringUpToDate(hasChanged); });
     lock.unlock();
     if (hasChanged) post();
-    return result;
+    if (!result) return std::move(result.error());
+    return std::nullopt;
 }
 
-void SQLiteUserDefaults::refreshUnlessBusy() {
+void SQLiteUserDefaults::reloadUnlessBusy() {
     // Whoever holds the lock brings the table up to date; the main thread does not wait for the disk.
-    if (std::unique_lock lock(databaseMutex_, std::try_to_lock); lock) (void)refresh(std::move(lock));
+    if (std::unique_lock lock(databaseMutex_, std::try_to_lock); lock) (void)reload(std::move(lock));
 }
 
 void SQLiteUserDefaults::bringUpToDate(bool& hasChanged) {
@@ -532,8 +534,8 @@ void SQLiteUserDefaults::watch() {
     watching_ = platform::watchFile(nullptr, file_, [weak = weak_from_this(), followUp = std::make_shared<FollowUp>()] {
         if (const auto self = weak.lock()) self->fileMayHaveChanged(followUp);
     });
-    // What changed between reading and watching.
-    (void)refresh();
+    // Also what changed between reading and watching.
+    (void)reload(std::unique_lock(databaseMutex_));
 }
 
 void SQLiteUserDefaults::fileMayHaveChanged(const std::shared_ptr<FollowUp>& followUp) {
@@ -542,7 +544,7 @@ void SQLiteUserDefaults::fileMayHaveChanged(const std::shared_ptr<FollowUp>& fol
     if (followUp->isDue) return;
     followUp->isDue = true;
     askAgain(followUp, firstDelay);
-    refreshUnlessBusy();
+    reloadUnlessBusy();
 }
 
 void SQLiteUserDefaults::askAgain(const std::shared_ptr<FollowUp>& followUp, double seconds) {
@@ -556,7 +558,7 @@ void SQLiteUserDefaults::askAgain(const std::shared_ptr<FollowUp>& followUp, dou
             if (!self || !again) return;
             again->isDue = false;
             self->askAgain(again, seconds * growth);
-            self->refreshUnlessBusy();
+            self->reloadUnlessBusy();
         });
 }
 

@@ -39,7 +39,7 @@ class SQLiteUserDefaults final : public UserDefaultsStore, public std::enable_sh
     /// With a file that cannot be read: empty, until the file becomes readable; a write fails with the reason.
     [[nodiscard]] static std::shared_ptr<SQLiteUserDefaults> openAnyway(const std::filesystem::path& file);
 
-    SQLiteUserDefaults(Private, std::filesystem::path file);
+    SQLiteUserDefaults(Private, const std::filesystem::path& file);
     ~SQLiteUserDefaults() override;
 
     [[nodiscard]] std::optional<DefaultsValue> object(std::string_view key) const override;
@@ -48,7 +48,7 @@ class SQLiteUserDefaults final : public UserDefaultsStore, public std::enable_sh
     [[nodiscard]] std::vector<std::string> keys() const override;
 
     [[nodiscard]] const std::filesystem::path& file() const noexcept { return file_; }
-    /// Reads again when the file has changed. An error leaves what was read before.
+    /// Reads again what has changed in the file. An error leaves what was read before.
     std::expected<void, PlatformError> refresh();
 
   private:
@@ -63,8 +63,8 @@ class SQLiteUserDefaults final : public UserDefaultsStore, public std::enable_sh
     struct FollowUp;
 
     void watch();
-    std::expected<void, PlatformError> refresh(std::unique_lock<std::mutex> lock);
-    void refreshUnlessBusy();
+    std::optional<PlatformError> reload(std::unique_lock<std::mutex> lock);
+    void reloadUnlessBusy();
     void fileMayHaveChanged(const std::shared_ptr<FollowUp>& followUp);
     void askAgain(const std::shared_ptr<FollowUp>& followUp, double seconds);
     void post() const;

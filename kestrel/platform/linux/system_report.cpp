@@ -167,9 +167,12 @@ void addHandlers(Findings& findings) {
             findings.add(scheme, joined(applications), "applications for " + type + ", the preferred one first");
             continue;
         }
-        findings.add(scheme, "none", "no application is registered for " + type,
-                     std::string("install ") + (scheme == "https" ? "a web browser" : "an application for maps") +
-                         " that handles " + type + ", or name an installed one: xdg-mime default NAME.desktop " + type);
+        std::string advice = scheme == "https" ? "install a web browser" : "install an application for maps";
+        advice += " that handles ";
+        advice += type;
+        advice += ", or name an installed one: xdg-mime default NAME.desktop ";
+        advice += type;
+        findings.add(scheme, "none", "no application is registered for " + type, std::move(advice));
     }
 }
 
@@ -192,10 +195,11 @@ std::int64_t addNetwork(Findings& findings) {
 
 void addPreferences(Findings& findings) {
     const auto file = standardUserDefaultsFile();
+    const char* configured = std::getenv("XDG_CONFIG_HOME");
     findings.lookAt("preferences");
     std::error_code ignored;
     const bool exists = fs::exists(file, ignored);
-    findings.add("file", file.native(), std::getenv("XDG_CONFIG_HOME") != nullptr ? "XDG_CONFIG_HOME" : "~/.config");
+    findings.add("file", file.native(), configured != nullptr && *configured == '/' ? "XDG_CONFIG_HOME" : "~/.config");
     findings.add("exists", exists ? "yes" : "no", exists ? "it is there" : "the first write makes it");
     // Until it is made, what counts is the nearest folder that is there.
     auto place = file;
