@@ -72,4 +72,16 @@ std::string EncodingError::message() const {
     return fmt::format("{} at {}: {}", caseName(kind), codingPath.text(), shownDescription(description));
 }
 
+PlatformError platformError(const DecodingError& error) {
+    return {.domain = "KestrelService.DecodingError",
+            .code = static_cast<std::int64_t>(error.kind),
+            .localizedDescription = error.message()};
+}
+
+PlatformError platformError(const EncodingError& error) {
+    return {.domain = "KestrelService.EncodingError",
+            .code = static_cast<std::int64_t>(error.kind),
+            .localizedDescription = error.message()};
+}
+
 }  // namespace kestrel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <kestrel/foundation/object_identifier.h>
+#include <kestrel/foundation/platform_error.h>
 #include <kestrel/foundation/uuid.h>
 #include <compare>
 #include <cstddef>
@@ -84,5 +85,9 @@ struct EncodingError {
     [[nodiscard]] std::string message() const;
     friend bool operator==(const EncodingError&, const EncodingError&) = default;
 };
+
+/// The common forms of both: the kind as code, the message as description, which is English.
+[[nodiscard]] PlatformError platformError(const DecodingError& error);
+[[nodiscard]] PlatformError platformError(const EncodingError& error);
 
 }  // namespace kestrel

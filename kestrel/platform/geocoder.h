@@ -72,8 +72,8 @@ class GeocoderProtocol {
     /// Cancels what runs.
     virtual ~GeocoderProtocol() = default;
 
-    /// Calls back once, later, on the main thread; not at all when it is cancelled before. The geocoder may be destroyed
-    /// from inside the callback.
+    /// Calls back once, later, on the main thread; not at all when it is cancelled before. The geocoder may be
+    /// destroyed from inside the callback.
     virtual void geocodePostalAddress(const PostalAddress& address, CompletionHandler completionHandler) = 0;
     virtual void cancelGeocode() = 0;
 };

@@ -2,6 +2,7 @@
 #include <kestrel/reactive/pass_through_subject.h>
 #include <map>
 #include <mutex>
+#include <optional>
 
 namespace kestrel {
 
@@ -16,6 +17,12 @@ struct NotificationCenter::Subjects {
         if (found != byName.end()) return found->second;
         return byName.emplace(name, PassThroughSubject<Notification>()).first->second;
     }
+    /// Absent when nobody has ever listened.
+    [[nodiscard]] std::optional<PassThroughSubject<Notification>> find(std::string_view name) const {
+        const std::scoped_lock lock(mutex);
+        const auto found = byName.find(name);
+        return found == byName.end() ? std::nullopt : std::optional(found->second);
+    }
 };
 
 NotificationCenter::NotificationCenter() : subjects_(std::make_unique<Subjects>()) {}
@@ -28,7 +35,7 @@ NotificationCenter& NotificationCenter::standard() {
 }
 
 void NotificationCenter::post(std::string_view name, const NotificationObject* object) const {
-    subjects_->subject(name).send({.name = std::string(name), .object = object});
+    if (const auto subject = subjects_->find(name)) subject->send({.name = std::string(name), .object = object});
 }
 
 AnyPublisher<Notification> NotificationCenter::notifications(std::string_view name) const {

@@ -19,12 +19,13 @@ class NotificationObject {
 /// Something happened, within this process.
 struct Notification {
     std::string name{};
-    /// What it happened to; null when the notification says nothing about that. Valid while it is delivered.
+    /// What it happened to; null when the notification says nothing about that. Good until `post` returns: not behind
+    /// `receiveOn`, and not to be kept.
     const NotificationObject* object{};
 };
 
 /// Tells everybody in this process who listens what happened. May be used from any thread; a notification is delivered
-/// on the thread that posts it, before `post` returns.
+/// on the thread that posts it, before `post` returns; a listener hears one at a time.
 class NotificationCenter {
   public:
     NotificationCenter();

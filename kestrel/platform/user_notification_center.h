@@ -1,5 +1,6 @@
 #pragma once
 
+#include <kestrel/foundation/any_error.h>
 #include <kestrel/foundation/platform_error.h>
 #include <kestrel/platform/notification_settings.h>
 #include <cstdint>
@@ -40,6 +41,10 @@ struct UserNotificationErrorCode {
     [[nodiscard]] static constexpr UserNotificationErrorCode notificationsNotAllowed() { return {1}; }
     friend bool operator==(const UserNotificationErrorCode&, const UserNotificationErrorCode&) = default;
 };
+
+[[nodiscard]] inline PlatformError platformError(UserNotificationErrorCode error) {
+    return error_detail::plainForm("UserNotification", error.code);
+}
 
 /// The desktop's notifications. For use on the main thread; each completion is called once, later, on any thread.
 class UserNotificationCenter {

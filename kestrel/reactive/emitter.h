@@ -15,9 +15,11 @@ namespace reactive_detail {
 /// What stands between an emitter and its subscriber: keeps values until they are asked for, and delivers them one
 /// after the other, whichever threads they come from.
 template <class Output, class Failure>
-class Emission final : public Subscription {
+class Emission final : public Subscription, public std::enable_shared_from_this<Emission<Output, Failure>> {
   public:
-    explicit Emission(std::shared_ptr<Subscriber<Output, Failure>> downstream) : downstream_(std::move(downstream)) {}
+    /// Values that the subscriber does not ask for wait, or are lost.
+    Emission(std::shared_ptr<Subscriber<Output, Failure>> downstream, bool keepsValues)
+        : downstream_(std::move(downstream)), keepsValues_(keepsValues) {}
 
     void request(Demand demand) override {
         {
@@ -43,6 +45,7 @@ class Emission final : public Subscription {
         {
             const std::scoped_lock lock(mutex_);
             if (downstream_ == nullptr || completion_) return;
+            if (!keepsValues_ && demand_.isNone()) return;
             waiting_.push_back(std::move(value));
         }
         deliver();
@@ -71,8 +74,11 @@ class Emission final : public Subscription {
 
   private:
     void deliver() {
+        // The subscriber may let this go.
+        const auto self = this->shared_from_this();
         std::unique_lock lock(mutex_);
         if (std::exchange(isDelivering_, true)) return;
+        const Delivering delivering(*this, lock);
         while (downstream_ != nullptr) {
             if (!waiting_.empty()) {
                 if (!demand_.take()) break;
@@ -92,8 +98,19 @@ class Emission final : public Subscription {
                 break;
             }
         }
-        isDelivering_ = false;
     }
+    /// Ends a delivery, also when the subscriber throws.
+    struct Delivering {
+        Emission& emission;
+        std::unique_lock<std::mutex>& lock;
+        Delivering(Emission& delivered, std::unique_lock<std::mutex>& held) : emission(delivered), lock(held) {}
+        Delivering(const Delivering&) = delete;
+        Delivering& operator=(const Delivering&) = delete;
+        ~Delivering() {
+            if (!lock.owns_lock()) lock.lock();
+            emission.isDelivering_ = false;
+        }
+    };
 
     mutable std::mutex mutex_;
     std::shared_ptr<Subscriber<Output, Failure>> downstream_;
@@ -101,6 +118,7 @@ class Emission final : public Subscription {
     std::optional<Completion<Failure>> completion_;
     Demand demand_ = Demand::none();
     AnyCancellable work_;
+    bool keepsValues_;
     bool isDelivering_ = false;
     bool isCancelled_ = false;
 };
@@ -131,15 +149,15 @@ class Emitter {
         if (const auto emission = emission_.lock()) emission->end(std::move(completion));
     }
 
-    /// The subscriber keeps it, and nobody else: it ends when the subscriber goes away.
+    /// The subscriber keeps it, and nobody else: it ends when the subscriber lets its subscription go.
     std::weak_ptr<reactive_detail::Emission<Output, Failure>> emission_;
 };
 
 namespace reactive_detail {
 
 template <class Output, class Failure, class Start>
-void startEmission(std::shared_ptr<Subscriber<Output, Failure>> subscriber, Start&& start) {
-    const auto emission = std::make_shared<Emission<Output, Failure>>(subscriber);
+void startEmission(std::shared_ptr<Subscriber<Output, Failure>> subscriber, Start&& start, bool keepsValues = true) {
+    const auto emission = std::make_shared<Emission<Output, Failure>>(subscriber, keepsValues);
     subscriber->receive(emission);
     if (emission->isCancelled()) return;
     Emitter<Output, Failure> emitter(emission);

@@ -7,6 +7,7 @@
 #include <expected>
 #include <memory>
 #include <optional>
+#include <type_traits>
 #include <utility>
 
 namespace kestrel {
@@ -22,16 +23,33 @@ struct NoFirstValue {
 
 namespace reactive_detail {
 
+/// What a first value is awaited as: of a publisher that only ends, that it did.
+template <class Output, class Failure>
+struct Awaited {
+    using Result = std::expected<Output, NoFirstValue<Failure>>;
+};
+template <class Failure>
+struct Awaited<Never, Failure> {
+    using Result = std::expected<void, Failure>;
+};
+
 /// What a waiting coroutine shares with the subscription that wakes it.
 template <class Output, class Failure>
 class FirstValue {
   public:
-    using Result = std::expected<Output, NoFirstValue<Failure>>;
+    using Result = typename Awaited<Output, Failure>::Result;
 
     void settle(Result result) {
         if (result_) return;
-        result_ = std::move(result);
+        result_.emplace(std::move(result));
         if (stage_.exchange(Stage::settled) == Stage::suspended) waiting_.resume();
+    }
+    void end(const std::optional<Failure>& failure) {
+        if constexpr (std::is_same_v<Output, Never>) {
+            settle(failure ? Result(std::unexpect, *failure) : Result());
+        } else {
+            settle(Result(std::unexpect, NoFirstValue<Failure>{failure}));
+        }
     }
     /// Whether the coroutine has to wait.
     bool suspend(std::coroutine_handle<> waiting) {
@@ -58,14 +76,14 @@ class FirstValueAwaiter {
         // The subscription may settle on another thread, or wake the coroutine and so end this object, as soon as it is
         // there: nothing here is touched after `suspend`.
         const auto value = value_;
-        subscription_ =
-            publisher_.first().sink([value](const Output& output) { value->settle(output); },
-                                    [value](const Completion<Failure>& completion) {
-                                        value->settle(std::unexpected(NoFirstValue<Failure>{completion.failure()}));
-                                    });
+        subscription_ = publisher_.first().sink(
+            [value](const Output& output) {
+                if constexpr (!std::is_same_v<Output, Never>) value->settle(output);
+            },
+            [value](const Completion<Failure>& completion) { value->end(completion.failure()); });
         return value->suspend(waiting);
     }
-    [[nodiscard]] std::expected<Output, NoFirstValue<Failure>> await_resume() {
+    [[nodiscard]] typename FirstValue<Output, Failure>::Result await_resume() {
         subscription_.cancel();
         return value_->take();
     }
@@ -78,8 +96,9 @@ class FirstValueAwaiter {
 
 }  // namespace reactive_detail
 
-/// `co_await publisher` subscribes and waits for the first value, or why there is none. The coroutine goes on where the
-/// value comes; destroying it while it waits cancels.
+/// `co_await publisher` subscribes and waits for the first value, or why there is none. Of a publisher that only ends
+/// it gives a `std::expected<void, Failure>`. The coroutine goes on where the value comes; destroying it while it waits
+/// cancels. One that waits for a subject that goes away without an end waits for ever: finish subjects.
 template <class Output, class Failure>
 [[nodiscard]] auto operator co_await(AnyPublisher<Output, Failure> publisher) {
     return reactive_detail::FirstValueAwaiter<Output, Failure>(std::move(publisher));

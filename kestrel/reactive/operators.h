@@ -186,14 +186,22 @@ class Append final : public Stage<Value, Failure, Value, Failure> {
         if (!outstanding.isNone()) upstream->request(outstanding);
     }
     Demand receive(const Value& value) override {
+        const bool wasOnNext = isOnNext_;
         {
             const std::scoped_lock lock(this->mutex());
             (void)outstanding_.take();
         }
         const Demand more = this->emit(value);
-        const std::scoped_lock lock(this->mutex());
-        outstanding_ += more;
-        return more;
+        std::shared_ptr<Subscription> next;
+        {
+            const std::scoped_lock lock(this->mutex());
+            // Nobody has asked the next one for that when it came during the delivery.
+            if (!wasOnNext && isOnNext_) next = this->upstreamWhileLocked();
+            outstanding_ += more;
+            if (next == nullptr) return more;
+        }
+        if (!more.isNone()) next->request(more);
+        return Demand::none();
     }
     void receive(Completion<Failure> completion) override {
         if (isOnNext_ || !completion.isFinished()) return this->end(std::move(completion));

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <kestrel/reactive/publisher.h>
+#include <kestrel/reactive/recursive_lock.h>
 #include <algorithm>
+#include <cstddef>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -11,8 +13,11 @@
 namespace kestrel {
 
 /// A publisher that sends what it is told to send to those who are subscribed at that moment. A value that comes while
-/// a subscriber asks for none is lost to that subscriber. May be used from any thread; values that are sent at the same
-/// time come in either order.
+/// a subscriber asks for none is lost to that subscriber.
+///
+/// May be used from any thread. A subscriber is called by one thread at a time: who sends meanwhile waits, so keep
+/// deliveries short. From inside a delivery it may send, subscribe and cancel. Values that are sent at the same time
+/// come in either order. Cancelling takes constant time, on average.
 template <class Output, class Failure = Never>
 class PassThroughSubject {
   public:
@@ -28,10 +33,7 @@ class PassThroughSubject {
     void finish() const { send(Completion<Failure>::finished()); }
 
     void subscribe(std::shared_ptr<Subscriber<Output, Failure>> subscriber) const {
-        const auto conduit = std::make_shared<Conduit>(std::move(subscriber), state_);
-        const auto completion = state_->add(conduit);
-        conduit->start();
-        if (completion) conduit->end(*completion);
+        std::make_shared<Conduit>(std::move(subscriber), state_)->start(*state_);
     }
     /// Serves what is sent to this subject, which it keeps.
     [[nodiscard]] AnyPublisher<Output, Failure> eraseToAnyPublisher() const {
@@ -41,10 +43,11 @@ class PassThroughSubject {
             });
     }
     /// How many are subscribed.
-    [[nodiscard]] std::size_t subscriberCount() const { return state_->conduits().size(); }
+    [[nodiscard]] std::size_t subscriberCount() const { return state_->liveCount(); }
 
   private:
     class Conduit;
+    using Conduits = std::vector<std::shared_ptr<Conduit>>;
 
     struct State {
         State() = default;
@@ -55,28 +58,42 @@ class PassThroughSubject {
             for (const auto& conduit : list)
                 conduit->abandon();
         }
-        [[nodiscard]] std::vector<std::shared_ptr<Conduit>> conduits() const {
+        [[nodiscard]] Conduits conduits() const {
             const std::scoped_lock lock(mutex);
             return list;
+        }
+        [[nodiscard]] std::size_t liveCount() const {
+            const std::scoped_lock lock(mutex);
+            return list.size() - gone;
         }
         [[nodiscard]] std::optional<Completion<Failure>> add(const std::shared_ptr<Conduit>& conduit) {
             const std::scoped_lock lock(mutex);
             if (!completion) list.push_back(conduit);
             return completion;
         }
-        void remove(const Conduit* conduit) {
+        /// One of the list has been let go. It leaves with others, when they are half of the list.
+        void noteGone() {
+            Conduits left;
             const std::scoped_lock lock(mutex);
-            std::erase_if(list, [conduit](const auto& each) { return each.get() == conduit; });
+            if (completion || ++gone * 2 < list.size()) return;
+            const auto firstGone =
+                std::stable_partition(list.begin(), list.end(), [](const auto& each) { return each->isLive(); });
+            left.assign(std::make_move_iterator(firstGone), std::make_move_iterator(list.end()));
+            list.erase(firstGone, list.end());
+            gone = 0;
         }
-        [[nodiscard]] std::vector<std::shared_ptr<Conduit>> end(const Completion<Failure>& with) {
+        [[nodiscard]] Conduits end(const Completion<Failure>& with) {
             const std::scoped_lock lock(mutex);
             if (completion) return {};
             completion = with;
+            gone = 0;
             return std::exchange(list, {});
         }
 
         mutable std::mutex mutex;
-        std::vector<std::shared_ptr<Conduit>> list;
+        Conduits list;
+        /// How many of the list have been let go.
+        std::size_t gone = 0;
         std::optional<Completion<Failure>> completion;
     };
 
@@ -85,18 +102,24 @@ class PassThroughSubject {
         Conduit(std::shared_ptr<Subscriber<Output, Failure>> downstream, const std::shared_ptr<State>& state)
             : downstream_(std::move(downstream)), state_(state) {}
 
-        void start() {
-            if (const auto downstream = current()) downstream->receive(this->shared_from_this());
+        /// Enters the list and gives the subscriber its subscription; who sends meanwhile waits.
+        void start(State& state) {
+            const std::scoped_lock delivering(delivery_);
+            const auto self = this->shared_from_this();
+            const auto completion = state.add(self);
+            current()->receive(self);
+            if (completion) end(*completion);
         }
         void request(Demand demand) override {
             const std::scoped_lock lock(mutex_);
             demand_ += demand;
         }
         void cancel() override {
-            (void)release();
-            if (const auto state = state_.lock()) state->remove(this);
+            if (release() == nullptr) return;
+            if (const auto state = state_.lock()) state->noteGone();
         }
         void send(const Output& value) {
+            const std::scoped_lock delivering(delivery_);
             std::shared_ptr<Subscriber<Output, Failure>> downstream;
             {
                 const std::scoped_lock lock(mutex_);
@@ -106,9 +129,14 @@ class PassThroughSubject {
             const Demand more = downstream->receive(value);
             if (!more.isNone()) request(more);
         }
-        void abandon() { (void)release(); }
         void end(Completion<Failure> completion) {
+            const std::scoped_lock delivering(delivery_);
             if (const auto downstream = release()) downstream->receive(std::move(completion));
+        }
+        void abandon() { (void)release(); }
+        [[nodiscard]] bool isLive() const {
+            const std::scoped_lock lock(mutex_);
+            return downstream_ != nullptr;
         }
 
       private:
@@ -121,6 +149,8 @@ class PassThroughSubject {
             return std::exchange(downstream_, nullptr);
         }
 
+        /// Held while the subscriber is called.
+        RecursiveLock delivery_;
         mutable std::mutex mutex_;
         std::shared_ptr<Subscriber<Output, Failure>> downstream_;
         std::weak_ptr<State> state_;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <kestrel/foundation/fatal.h>
 #include <kestrel/reactive/cancellable.h>
 #include <kestrel/reactive/operators.h>
 #include <kestrel/reactive/scheduler.h>
@@ -37,13 +38,17 @@ class AnyPublisher {
   public:
     using Downstream = std::shared_ptr<Subscriber<Output, Failure>>;
 
-    explicit AnyPublisher(std::function<void(Downstream)> subscribe) : subscribe_(std::move(subscribe)) {}
+    /// `subscribe` is shared by the copies. One that is empty is a mistake in the program: fatal().
+    explicit AnyPublisher(std::function<void(Downstream)> subscribe)
+        : subscribe_(std::make_shared<const std::function<void(Downstream)>>(std::move(subscribe))) {
+        if (!*subscribe_) fatal("A publisher was made of nothing.");
+    }
     explicit AnyPublisher(std::shared_ptr<const Publisher<Output, Failure>> publisher)
-        : subscribe_([publisher = std::move(publisher)](Downstream subscriber) {
+        : AnyPublisher(std::function<void(Downstream)>([publisher = std::move(publisher)](Downstream subscriber) {
               publisher->subscribe(std::move(subscriber));
-          }) {}
+          })) {}
 
-    void subscribe(Downstream subscriber) const { subscribe_(std::move(subscriber)); }
+    void subscribe(Downstream subscriber) const { (*subscribe_)(std::move(subscriber)); }
     [[nodiscard]] AnyPublisher eraseToAnyPublisher() const { return *this; }
 
     /// Subscribes without limit until the result is destroyed or cancelled.
@@ -57,6 +62,13 @@ class AnyPublisher {
     template <std::invocable<const Output&> OnValue>
     [[nodiscard]] AnyCancellable sink(OnValue onValue) const {
         return sink(std::move(onValue), [](const Completion<Failure>&) {});
+    }
+
+    /// For publishers that only end.
+    template <class OnCompletion>
+        requires std::same_as<Output, Never> && std::invocable<OnCompletion, const Completion<Failure>&>
+    [[nodiscard]] AnyCancellable sink(OnCompletion onCompletion) const {
+        return sink([](const Never&) {}, std::move(onCompletion));
     }
 
     /// Each value as `transform` makes it.
@@ -81,11 +93,15 @@ class AnyPublisher {
     [[nodiscard]] AnyPublisher removeDuplicates() const
         requires std::equality_comparable<Output>
     {
+        return removeDuplicates(std::equal_to<Output>());
+    }
+    /// The values that `areEqual` does not take for the one before.
+    template <std::predicate<const Output&, const Output&> AreEqual>
+    [[nodiscard]] AnyPublisher removeDuplicates(AreEqual areEqual) const {
         // Made anew for each subscriber, as it remembers.
-        return deferredFilter([] {
-            return [last = std::optional<Output>()](const Output& value) mutable {
-                // Not `last == value`: where values are optionals themselves, that compares other things.
-                if (last && *last == value) return false;
+        return deferredFilter([areEqual] {
+            return [areEqual, last = std::optional<Output>()](const Output& value) mutable {
+                if (last && areEqual(*last, value)) return false;
                 last = value;
                 return true;
             };
@@ -139,7 +155,7 @@ class AnyPublisher {
         });
     }
 
-    std::function<void(Downstream)> subscribe_;
+    std::shared_ptr<const std::function<void(Downstream)>> subscribe_;
 };
 
 /// One value, and an end.
@@ -189,12 +205,22 @@ template <class Make>
 
 /// A publisher from what is no publisher. For each subscriber `start` is called with an `Emitter`, through which it
 /// sends values and an end, from any thread and whenever it likes; what it gives back is cancelled when the subscriber
-/// cancels or goes away. Values wait until the subscriber asks for them.
+/// cancels or lets its subscription go. Values wait until the subscriber asks for them.
 template <class Output, class Failure = Never, class Start>
 [[nodiscard]] AnyPublisher<Output, Failure> create(Start start) {
     return AnyPublisher<Output, Failure>(
         [start = std::move(start)](std::shared_ptr<Subscriber<Output, Failure>> subscriber) mutable {
             reactive_detail::startEmission<Output, Failure>(std::move(subscriber), start);
+        });
+}
+
+/// As `create`, for what is of its moment, such as ticks and states: values that the subscriber does not ask for are
+/// lost.
+template <class Output, class Failure = Never, class Start>
+[[nodiscard]] AnyPublisher<Output, Failure> createUnbuffered(Start start) {
+    return AnyPublisher<Output, Failure>(
+        [start = std::move(start)](std::shared_ptr<Subscriber<Output, Failure>> subscriber) mutable {
+            reactive_detail::startEmission<Output, Failure>(std::move(subscriber), start, false);
         });
 }
 

@@ -24,14 +24,11 @@ class RecursiveLock {
     }
 
   private:
-    /// An address that no other living thread has.
-    static const void* self() noexcept {
-        thread_local constinit const char mark = 0;
-        return &mark;
-    }
+    /// What no other living thread has, whichever library of the program asks.
+    static const void* self() noexcept { return __builtin_thread_pointer(); }
 
     std::mutex mutex_;
-    /// Read by everybody, but equal to a thread's own mark only while that thread holds the mutex.
+    /// Read by everybody, but equal to a thread's own only while that thread holds the mutex.
     std::atomic<const void*> owner_ = nullptr;
     unsigned depth_ = 0;
 };

@@ -27,10 +27,17 @@ class ReplaySubject {
     /// How many values are replayed at most. A negative size is a mistake in the program: fatal().
     explicit ReplaySubject(std::int64_t bufferSize) : state_(std::make_shared<State>(bufferSize)) {}
 
-    /// Nothing after the end.
-    void send(const Output& value) const { state_->send(value); }
+    /// What is sent after the end reaches only those who subscribe later, in the replay, in front of the end.
+    void send(const Output& value) const {
+        // Kept: a subscriber may let the subject go.
+        const auto state = state_;
+        state->send(value);
+    }
     /// Ends all subscribers. Only the first completion counts.
-    void send(Completion<Failure> completion) const { state_->end(std::move(completion)); }
+    void send(Completion<Failure> completion) const {
+        const auto state = state_;
+        state->end(std::move(completion));
+    }
     void finish() const { send(Completion<Failure>::finished()); }
     /// For use as the subscriber of another publisher: asks it for everything.
     void send(const std::shared_ptr<Subscription>& subscription) const { subscription->request(Demand::unlimited()); }
@@ -55,7 +62,8 @@ class ReplaySubject {
     }
 
   private:
-    class ReplaySubscription;
+    class ReplaySubjectSubscription;
+    class Delivery;
 
     struct State {
         explicit State(std::int64_t size) : bufferSize(static_cast<std::size_t>(size)) {
@@ -71,8 +79,6 @@ class ReplaySubject {
 
         void send(const Output& value) {
             const std::scoped_lock locked(lock);
-            if (completion) return;
-            const std::uint64_t number = sent++;
             if (bufferSize > 0) {
                 if (buffer.size() < bufferSize) {
                     buffer.push_back(value);
@@ -81,46 +87,49 @@ class ReplaySubject {
                     if (++oldest == bufferSize) oldest = 0;
                 }
             }
-            deliver([&](ReplaySubscription& each) { each.receive(value, number); });
+            deliver([&](ReplaySubjectSubscription& each) { each.receive(value); });
         }
         void end(Completion<Failure> with) {
             const std::scoped_lock locked(lock);
             if (completion) return;
             completion = std::move(with);
-            deliver([&](ReplaySubscription& each) { each.end(*completion); });
+            deliver([&](ReplaySubjectSubscription& each) { each.receive(*completion); });
         }
-        static void subscribe(const std::shared_ptr<State>& state,
+        static void subscribe(const std::shared_ptr<State> state,
                               std::shared_ptr<Subscriber<Output, Failure>> subscriber) {
             const std::scoped_lock locked(state->lock);
-            const auto subscription = std::make_shared<ReplaySubscription>(std::move(subscriber), state);
+            const Delivery delivery(*state);
+            const auto subscription =
+                std::make_shared<ReplaySubjectSubscription>(std::move(subscriber), state, state->values());
             state->subscriptions.push_back(subscription);
-            ++state->deliveries;
             subscription->start();
-            subscription->replay(*state);
-            state->finishDelivery();
+            subscription->replay(state->completion);
+        }
+        /// What is replayed, the oldest first.
+        [[nodiscard]] std::vector<Output> values() const {
+            std::vector<Output> ordered = buffer;
+            std::ranges::rotate(ordered, ordered.begin() + static_cast<std::ptrdiff_t>(oldest));
+            return ordered;
         }
         /// Calls `give` for those who are subscribed now; who comes meanwhile is served by the replay.
         template <class Give>
         void deliver(Give give) {
-            ++deliveries;
+            const Delivery delivery(*this);
             const std::size_t count = subscriptions.size();
             for (std::size_t i = 0; i < count; ++i) {
                 // Stays where it is until the delivery is over, whoever cancels and however the list grows.
-                ReplaySubscription& each = *subscriptions[i];
+                ReplaySubjectSubscription& each = *subscriptions[i];
                 if (each.isLive()) give(each);
             }
-            finishDelivery();
         }
-        void finishDelivery() {
-            --deliveries;
-            compact();
-        }
-        /// Lets those go who have cancelled or ended, unless somebody further up is delivering to them.
+        /// Lets those go who have cancelled or ended, unless somebody further up is delivering to them. Their empty
+        /// subscriptions leave together, when they are half of all, so that cancelling takes constant time on average.
         void compact() {
-            if (!hasDead || deliveries > 0) return;
-            hasDead = false;
+            if (deliveries > 0) return;
             // Taken out before they are destroyed: what they own may use the subject.
             const auto gone = std::exchange(released, {});
+            if (dead == 0 || dead * 2 < subscriptions.size()) return;
+            dead = 0;
             std::erase_if(subscriptions, [](const auto& each) { return !each->isLive(); });
         }
 
@@ -130,44 +139,64 @@ class ReplaySubject {
         std::vector<Output> buffer;
         /// Where the oldest one stands.
         std::size_t oldest = 0;
-        /// How many values were sent: the number of the next one.
-        std::uint64_t sent = 0;
-        std::vector<std::shared_ptr<ReplaySubscription>> subscriptions;
+        std::vector<std::shared_ptr<ReplaySubjectSubscription>> subscriptions;
         std::optional<Completion<Failure>> completion;
         /// Those who have cancelled during a delivery, which may be one to themselves: they last until it is over.
         std::vector<std::shared_ptr<Subscriber<Output, Failure>>> released;
         /// How many deliveries are under way, each inside the other.
         int deliveries = 0;
-        bool hasDead = false;
+        /// How many of the subscriptions have cancelled or ended.
+        std::size_t dead = 0;
+    };
+
+    /// A delivery under way; over at the end of its scope, also when a subscriber throws.
+    class Delivery {
+      public:
+        explicit Delivery(State& state) : state_(&state) { ++state.deliveries; }
+        ~Delivery() {
+            --state_->deliveries;
+            state_->compact();
+        }
+        Delivery(const Delivery&) = delete;
+        Delivery& operator=(const Delivery&) = delete;
+
+      private:
+        State* state_;
     };
 
     /// Everything under the subject's lock.
-    class ReplaySubscription final : public Subscription, public std::enable_shared_from_this<ReplaySubscription> {
+    class ReplaySubjectSubscription final : public Subscription,
+                                            public std::enable_shared_from_this<ReplaySubjectSubscription> {
       public:
-        ReplaySubscription(std::shared_ptr<Subscriber<Output, Failure>> downstream, const std::shared_ptr<State>& state)
-            : downstream_(std::move(downstream)), state_(state) {}
+        /// With what is to be replayed.
+        ReplaySubjectSubscription(std::shared_ptr<Subscriber<Output, Failure>> downstream,
+                                  const std::shared_ptr<State>& state, std::vector<Output> values)
+            : downstream_(std::move(downstream)), state_(state), replayed_(std::move(values)) {}
 
         [[nodiscard]] bool isLive() const noexcept { return downstream_ != nullptr; }
-        // These three deliver, and so are called during a delivery only.
+        // These four deliver, and so are called during a delivery only.
         void start() { downstream_->receive(this->shared_from_this()); }
-        void receive(const Output& value, std::uint64_t number) {
-            // Those before are given by the replay.
-            if (number >= liveFrom_) give(value);
+        void receive(const Output& value) {
+            // Sent while the subscriber was given this: it comes behind what is replayed.
+            if (!isReplayed_) {
+                replayed_.push_back(value);
+                return;
+            }
+            if (downstream_ == nullptr || !demand_.take()) return;
+            if (const Demand more = downstream_->receive(value); !more.isNone()) demand_ += more;
         }
-        void replay(State& state) {
-            liveFrom_ = state.sent;
-            // A copy: a subscriber may send meanwhile and push values out of the buffer. They are replayed all the
-            // same.
-            std::vector<Output> values = state.buffer;
-            std::ranges::rotate(values, values.begin() + static_cast<std::ptrdiff_t>(state.oldest));
-            for (const Output& value : values)
-                give(value);
-            if (state.completion) this->end(*state.completion);
-        }
-        void end(const Completion<Failure>& completion) {
+        void receive(const Completion<Failure>& completion) {
             // Before the replay the end is the replay's to give.
-            if (liveFrom_ == notReplayed) return;
+            if (!isReplayed_) return;
             if (const auto downstream = release()) downstream->receive(completion);
+        }
+        /// Gives what was there before, and the end if there was one.
+        void replay(const std::optional<Completion<Failure>>& completion) {
+            isReplayed_ = true;
+            // A subscriber may send meanwhile: that comes at once, before the rest.
+            for (const Output& value : std::exchange(replayed_, {}))
+                receive(value);
+            if (completion) receive(*completion);
         }
         void abandon() { downstream_.reset(); }
         void request(Demand demand) override {
@@ -189,23 +218,17 @@ class ReplaySubject {
         }
 
       private:
-        static constexpr std::uint64_t notReplayed = ~std::uint64_t{0};
-
-        void give(const Output& value) {
-            if (downstream_ == nullptr || !demand_.take()) return;
-            if (const Demand more = downstream_->receive(value); !more.isNone()) demand_ += more;
-        }
         [[nodiscard]] std::shared_ptr<Subscriber<Output, Failure>> release() {
             auto downstream = std::exchange(downstream_, nullptr);
-            if (const auto state = state_.lock(); state != nullptr && downstream != nullptr) state->hasDead = true;
+            if (const auto state = state_.lock(); state != nullptr && downstream != nullptr) ++state->dead;
             return downstream;
         }
 
         std::shared_ptr<Subscriber<Output, Failure>> downstream_;
         std::weak_ptr<State> state_;
         Demand demand_ = Demand::none();
-        /// The number of the first value that is given as it is sent.
-        std::uint64_t liveFrom_ = notReplayed;
+        std::vector<Output> replayed_;
+        bool isReplayed_ = false;
     };
 
     std::shared_ptr<State> state_;

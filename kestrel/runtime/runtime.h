@@ -4,6 +4,7 @@
 #include <kestrel/foundation/type_name.h>
 #include <kestrel/runtime/service_protocol.h>
 #include <concepts>
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -24,8 +25,8 @@ concept RuntimeModule = requires(const M& module, Runtime& runtime) {
 };
 
 /// The entry of a runtime for a protocol: a service itself, whose calls reach the implementation that is installed at
-/// that moment. A reference to it stays good as long as the runtime, whatever is installed later. A call while nothing
-/// is installed is a mistake in the program: fatal(), naming the protocol.
+/// that moment, and keep it until they return, whatever they install. A reference to it stays good as long as the
+/// runtime. A call while nothing is installed is a mistake in the program: fatal(), naming the protocol.
 template <class Protocol>
 class ServiceEntry final : public Forwarding<Protocol> {
   public:
@@ -35,7 +36,12 @@ class ServiceEntry final : public Forwarding<Protocol> {
         *implementation_ = std::move(implementation);
         return *this;
     }
-    [[nodiscard]] Protocol& target() const override;
+    /// Takes the service away.
+    ServiceEntry& operator=(std::nullptr_t) {
+        implementation_->reset();
+        return *this;
+    }
+    [[nodiscard]] std::shared_ptr<Protocol> target() const override;
 
   private:
     friend class Runtime;
@@ -79,10 +85,11 @@ class Runtime {
     [[nodiscard]] ServiceEntry<Protocol>& operator[](ServiceKey<Protocol> /*key*/) {
         return slot<Protocol>().entry;
     }
-    /// The service of that protocol. fatal() naming the protocol when it was never installed.
+    /// The implementation of that protocol, good until another one is installed. fatal() naming the protocol when it
+    /// was never installed.
     template <class Protocol>
     [[nodiscard]] Protocol& operator[](ServiceKey<Protocol> key) const {
-        return required(find(key).get());
+        return *required(find(key));
     }
     /// The implementation; null when none is installed.
     template <class Protocol>
@@ -138,9 +145,9 @@ class Runtime {
         return static_cast<Slot<Protocol>&>(*slot);
     }
     template <class Protocol>
-    [[nodiscard]] static Protocol& required(Protocol* implementation) {
+    [[nodiscard]] static std::shared_ptr<Protocol> required(std::shared_ptr<Protocol> implementation) {
         if (implementation == nullptr) stopForMissing(typeName<Protocol>());
-        return *implementation;
+        return implementation;
     }
     [[noreturn]] static void stopForMissing(std::string_view protocol);
 
@@ -149,8 +156,8 @@ class Runtime {
 };
 
 template <class Protocol>
-Protocol& ServiceEntry<Protocol>::target() const {
-    return Runtime::required(implementation_->get());
+std::shared_ptr<Protocol> ServiceEntry<Protocol>::target() const {
+    return Runtime::required(*implementation_);
 }
 
 }  // namespace kestrel

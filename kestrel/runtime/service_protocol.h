@@ -26,7 +26,7 @@ struct ServiceKey {};
 ///
 ///     class CountedContacts final : public Forwarding<ContactsService> {
 ///       public:
-///         ContactsService& target() const override { return *contacts_; }
+///         std::shared_ptr<ContactsService> target() const override { return contacts_; }
 ///         AnyPublisher<Contact, ReadError> fetchContact(const ObjectID<Contact>& id) override { … }
 ///     };
 template <class Protocol>

@@ -6,6 +6,7 @@
 #include <kestrel/runtime/service_protocol.h>
 #include <kestrel/session/service_errors.h>
 #include <cstddef>
+#include <memory>
 
 namespace kestrel {
 
@@ -24,16 +25,16 @@ class ActivityService : public ServiceProtocol {
 template <>
 class Forwarding<ActivityService> : public ActivityService {
   public:
-    [[nodiscard]] virtual ActivityService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<ActivityService> target() const = 0;
 
     [[nodiscard]] AnyPublisher<ActivitySummary, ReadError> fetchActivity(const ActivitySourceID& source,
                                                                          const CalendarMoment& at,
                                                                          std::size_t limit) override {
-        return target().fetchActivity(source, at, limit);
+        return target()->fetchActivity(source, at, limit);
     }
     [[nodiscard]] AnyPublisher<ActivitySummary, ReadError> observeActivity(const ActivitySourceID& source,
                                                                            std::size_t limit) override {
-        return target().observeActivity(source, limit);
+        return target()->observeActivity(source, limit);
     }
 };
 

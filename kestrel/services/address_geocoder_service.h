@@ -4,6 +4,7 @@
 #include <kestrel/reactive/publisher.h>
 #include <kestrel/runtime/service_protocol.h>
 #include <kestrel/session/service_errors.h>
+#include <memory>
 
 namespace kestrel {
 
@@ -17,10 +18,10 @@ class AddressGeocoderService : public ServiceProtocol {
 template <>
 class Forwarding<AddressGeocoderService> : public AddressGeocoderService {
   public:
-    [[nodiscard]] virtual AddressGeocoderService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<AddressGeocoderService> target() const = 0;
 
     [[nodiscard]] AnyPublisher<Placemark, GeocodeError> geocode(const PostalAddress& address) override {
-        return target().geocode(address);
+        return target()->geocode(address);
     }
 };
 

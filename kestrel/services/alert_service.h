@@ -4,6 +4,7 @@
 #include <kestrel/reactive/publisher.h>
 #include <kestrel/runtime/service_protocol.h>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace kestrel {
@@ -20,10 +21,10 @@ class AlertService : public ServiceProtocol {
 template <>
 class Forwarding<AlertService> : public AlertService {
   public:
-    [[nodiscard]] virtual AlertService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<AlertService> target() const = 0;
 
-    [[nodiscard]] AnyPublisher<std::vector<AlertObject>> alerts() const override { return target().alerts(); }
-    [[nodiscard]] AnyPublisher<std::int64_t> unreadCount() const override { return target().unreadCount(); }
+    [[nodiscard]] AnyPublisher<std::vector<AlertObject>> alerts() const override { return target()->alerts(); }
+    [[nodiscard]] AnyPublisher<std::int64_t> unreadCount() const override { return target()->unreadCount(); }
 };
 
 namespace services {

@@ -3,6 +3,7 @@
 #include <kestrel/runtime/service_protocol.h>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -28,16 +29,16 @@ class AnalyticsService : public ServiceProtocol {
 template <>
 class Forwarding<AnalyticsService> : public AnalyticsService {
   public:
-    [[nodiscard]] virtual AnalyticsService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<AnalyticsService> target() const = 0;
 
-    void identifyUser(std::string_view userID) override { target().identifyUser(userID); }
+    void identifyUser(std::string_view userID) override { target()->identifyUser(userID); }
     void trackEvent(std::string_view name, const AnalyticsProperties& properties) override {
-        target().trackEvent(name, properties);
+        target()->trackEvent(name, properties);
     }
     void trackScreen(std::string_view name, const AnalyticsProperties& properties) override {
-        target().trackScreen(name, properties);
+        target()->trackScreen(name, properties);
     }
-    void flush() override { target().flush(); }
+    void flush() override { target()->flush(); }
 };
 
 namespace services {

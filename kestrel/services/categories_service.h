@@ -4,6 +4,7 @@
 #include <kestrel/reactive/publisher.h>
 #include <kestrel/runtime/service_protocol.h>
 #include <kestrel/session/service_errors.h>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -28,22 +29,22 @@ class CategoriesService : public ServiceProtocol {
 template <>
 class Forwarding<CategoriesService> : public CategoriesService {
   public:
-    [[nodiscard]] virtual CategoriesService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<CategoriesService> target() const = 0;
 
     [[nodiscard]] AnyPublisher<std::vector<Category>, ReadError> fetchCategories() override {
-        return target().fetchCategories();
+        return target()->fetchCategories();
     }
     [[nodiscard]] AnyPublisher<std::vector<Category>> observeCategories() override {
-        return target().observeCategories();
+        return target()->observeCategories();
     }
     [[nodiscard]] AnyPublisher<Category, UpdateError> createCategory(std::string name) override {
-        return target().createCategory(std::move(name));
+        return target()->createCategory(std::move(name));
     }
     [[nodiscard]] AnyPublisher<Category, UpdateError> updateCategory(const Category& category) override {
-        return target().updateCategory(category);
+        return target()->updateCategory(category);
     }
     [[nodiscard]] AnyPublisher<Never, UpdateError> deleteCategory(const ObjectID<Category>& id) override {
-        return target().deleteCategory(id);
+        return target()->deleteCategory(id);
     }
 };
 

@@ -6,6 +6,7 @@
 #include <kestrel/runtime/service_protocol.h>
 #include <kestrel/services/contact_list.h>
 #include <kestrel/session/service_errors.h>
+#include <memory>
 #include <vector>
 
 namespace kestrel {
@@ -31,29 +32,29 @@ class ContactsService : public ServiceProtocol {
 template <>
 class Forwarding<ContactsService> : public ContactsService {
   public:
-    [[nodiscard]] virtual ContactsService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<ContactsService> target() const = 0;
 
     [[nodiscard]] AnyPublisher<Contact, ReadError> fetchContact(const ObjectID<Contact>& id) override {
-        return target().fetchContact(id);
+        return target()->fetchContact(id);
     }
     [[nodiscard]] AnyPublisher<ContactInfo, ReadError> fetchContactInfo(const ObjectID<Contact>& id) override {
-        return target().fetchContactInfo(id);
+        return target()->fetchContactInfo(id);
     }
     [[nodiscard]] AnyPublisher<ContactInfo, ReadError> observeContactInfo(const ObjectID<Contact>& id) override {
-        return target().observeContactInfo(id);
+        return target()->observeContactInfo(id);
     }
     [[nodiscard]] AnyPublisher<ContactList, ReadError> fetchContacts(const ContactListQuery& query) override {
-        return target().fetchContacts(query);
+        return target()->fetchContacts(query);
     }
     [[nodiscard]] AnyPublisher<std::vector<LinkedContact>, ReadError> fetchLinks(
         const ContactLinkQuery& query) override {
-        return target().fetchLinks(query);
+        return target()->fetchLinks(query);
     }
     [[nodiscard]] AnyPublisher<Contact, UpdateError> updateContact(const Contact& contact) override {
-        return target().updateContact(contact);
+        return target()->updateContact(contact);
     }
     [[nodiscard]] AnyPublisher<Never, UpdateError> deleteContact(const ObjectID<Contact>& id) override {
-        return target().deleteContact(id);
+        return target()->deleteContact(id);
     }
 };
 

@@ -1,3 +1,4 @@
+#include <kestrel/foundation/required.h>
 #include <kestrel/services/core_location_geocoder_service.h>
 #include <algorithm>
 #include <optional>
@@ -52,7 +53,7 @@ struct CoreLocationGeocoderService::State {
 };
 
 CoreLocationGeocoderService::CoreLocationGeocoderService(MakeGeocoder makeGeocoder)
-    : state_(std::make_shared<State>(std::move(makeGeocoder))) {}
+    : state_(std::make_shared<State>(required(std::move(makeGeocoder), "The function that makes geocoders"))) {}
 
 AnyPublisher<Placemark, GeocodeError> CoreLocationGeocoderService::geocode(const PostalAddress& address) {
     return create<Placemark, GeocodeError>([state = state_, address](const Emitter<Placemark, GeocodeError>& emitter) {
@@ -64,7 +65,7 @@ AnyPublisher<Placemark, GeocodeError> CoreLocationGeocoderService::geocode(const
             }
         }
         state->begin(address);
-        const std::shared_ptr<GeocoderProtocol> asked = state->makeGeocoder();
+        const std::shared_ptr<GeocoderProtocol> asked = required(state->makeGeocoder(), "The geocoder");
         asked->geocodePostalAddress(
             address, [state, address, emitter](Placemarks placemarks, std::optional<PlatformError> error) {
                 const Answer answer = answerOf(std::move(placemarks), std::move(error));

@@ -3,6 +3,7 @@
 #include <kestrel/reactive/publisher.h>
 #include <kestrel/runtime/service_protocol.h>
 #include <kestrel/services/email_capabilities.h>
+#include <memory>
 
 namespace kestrel {
 
@@ -18,13 +19,13 @@ class EmailCapabilitiesService : public ServiceProtocol {
 template <>
 class Forwarding<EmailCapabilitiesService> : public EmailCapabilitiesService {
   public:
-    [[nodiscard]] virtual EmailCapabilitiesService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<EmailCapabilitiesService> target() const = 0;
 
     [[nodiscard]] EmailCapabilities currentEmailCapabilities() const override {
-        return target().currentEmailCapabilities();
+        return target()->currentEmailCapabilities();
     }
     [[nodiscard]] AnyPublisher<EmailCapabilities> subscribeEmailCapabilities() override {
-        return target().subscribeEmailCapabilities();
+        return target()->subscribeEmailCapabilities();
     }
 };
 

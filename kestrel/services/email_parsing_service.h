@@ -1,6 +1,7 @@
 #pragma once
 
 #include <kestrel/runtime/service_protocol.h>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -17,10 +18,10 @@ class EmailParsingService : public ServiceProtocol {
 template <>
 class Forwarding<EmailParsingService> : public EmailParsingService {
   public:
-    [[nodiscard]] virtual EmailParsingService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<EmailParsingService> target() const = 0;
 
     [[nodiscard]] std::optional<std::string> extractPlainText(std::string_view html) override {
-        return target().extractPlainText(html);
+        return target()->extractPlainText(html);
     }
 };
 

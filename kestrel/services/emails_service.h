@@ -4,6 +4,7 @@
 #include <kestrel/reactive/publisher.h>
 #include <kestrel/runtime/service_protocol.h>
 #include <kestrel/session/service_errors.h>
+#include <memory>
 
 namespace kestrel {
 
@@ -17,10 +18,10 @@ class EmailsService : public ServiceProtocol {
 template <>
 class Forwarding<EmailsService> : public EmailsService {
   public:
-    [[nodiscard]] virtual EmailsService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<EmailsService> target() const = 0;
 
     [[nodiscard]] AnyPublisher<Email, ReadError> fetchEmail(const ObjectID<Email>& id) override {
-        return target().fetchEmail(id);
+        return target()->fetchEmail(id);
     }
 };
 

@@ -5,6 +5,7 @@
 #include <kestrel/runtime/service_protocol.h>
 #include <kestrel/session/on_demand.h>
 #include <filesystem>
+#include <memory>
 
 namespace kestrel {
 
@@ -19,11 +20,11 @@ class FileAttachmentsService : public ServiceProtocol {
 template <>
 class Forwarding<FileAttachmentsService> : public FileAttachmentsService {
   public:
-    [[nodiscard]] virtual FileAttachmentsService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<FileAttachmentsService> target() const = 0;
 
     [[nodiscard]] AnyPublisher<std::filesystem::path, OnDemandError> fetchFile(
         const ObjectID<FileAttachment>& id) override {
-        return target().fetchFile(id);
+        return target()->fetchFile(id);
     }
 };
 

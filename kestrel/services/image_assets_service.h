@@ -4,6 +4,7 @@
 #include <kestrel/reactive/publisher.h>
 #include <kestrel/runtime/service_protocol.h>
 #include <kestrel/session/on_demand.h>
+#include <memory>
 
 namespace kestrel {
 
@@ -17,10 +18,10 @@ class ImageAssetsService : public ServiceProtocol {
 template <>
 class Forwarding<ImageAssetsService> : public ImageAssetsService {
   public:
-    [[nodiscard]] virtual ImageAssetsService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<ImageAssetsService> target() const = 0;
 
     [[nodiscard]] AnyPublisher<ImageAsset, OnDemandError> fetchImageAsset(const ObjectID<ImageAsset>& id) override {
-        return target().fetchImageAsset(id);
+        return target()->fetchImageAsset(id);
     }
 };
 

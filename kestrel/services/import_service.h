@@ -6,6 +6,7 @@
 #include <kestrel/services/import_result.h>
 #include <kestrel/session/service_errors.h>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -32,19 +33,21 @@ class ImportService : public ServiceProtocol {
 template <>
 class Forwarding<ImportService> : public ImportService {
   public:
-    [[nodiscard]] virtual ImportService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<ImportService> target() const = 0;
 
-    [[nodiscard]] AnyPublisher<std::vector<std::string>> fetchFileTypes() override { return target().fetchFileTypes(); }
+    [[nodiscard]] AnyPublisher<std::vector<std::string>> fetchFileTypes() override {
+        return target()->fetchFileTypes();
+    }
     [[nodiscard]] AnyPublisher<ImportResult, UpdateError> previewImport(
         std::vector<std::filesystem::path> paths) override {
-        return target().previewImport(std::move(paths));
+        return target()->previewImport(std::move(paths));
     }
     [[nodiscard]] AnyPublisher<ImportResult, UpdateError> importFiles(
         std::vector<std::filesystem::path> paths) override {
-        return target().importFiles(std::move(paths));
+        return target()->importFiles(std::move(paths));
     }
-    [[nodiscard]] AnyPublisher<ProgressSnapshot> observeProgress() override { return target().observeProgress(); }
-    void cancelImport() override { target().cancelImport(); }
+    [[nodiscard]] AnyPublisher<ProgressSnapshot> observeProgress() override { return target()->observeProgress(); }
+    void cancelImport() override { target()->cancelImport(); }
 };
 
 namespace services {

@@ -1,4 +1,5 @@
 #include <kestrel/foundation/fatal.h>
+#include <kestrel/foundation/required.h>
 #include <kestrel/services/live_reachability_service.h>
 #include <limits>
 #include <utility>
@@ -36,14 +37,14 @@ struct LiveReachabilityService::State {
 };
 
 LiveReachabilityService::LiveReachabilityService(std::shared_ptr<ReachabilityProtocol> source)
-    : state_(std::make_shared<State>(std::move(source))) {}
+    : state_(std::make_shared<State>(required(std::move(source), "The source of reachability"))) {}
 
 ReachabilityStatus LiveReachabilityService::currentStatus() const {
     return statusOf(*state_->reachability);
 }
 
 AnyPublisher<ReachabilityStatus, ReachabilityError> LiveReachabilityService::observeNetworkStatus() {
-    return create<ReachabilityStatus, ReachabilityError>(
+    return createUnbuffered<ReachabilityStatus, ReachabilityError>(
         [state = state_](const Emitter<ReachabilityStatus, ReachabilityError>& emitter) {
             state->attach();
             if (!state->observing) {

@@ -43,13 +43,13 @@ class BoundaryTimer : public std::enable_shared_from_this<BoundaryTimer> {
 }  // namespace
 
 AnyPublisher<Date> LocalClockService::timer(double interval) {
-    return create<Date>([queue = scheduler_, interval](Emitter<Date, Never>& emitter) {
+    return createUnbuffered<Date>([queue = scheduler_, interval](Emitter<Date, Never>& emitter) {
         return queue->repeatEvery(interval, [emitter](Date now) { emitter.send(now); });
     });
 }
 
 AnyPublisher<Date> LocalClockService::boundaries(ClockInterval interval, std::optional<Calendar> calendar) {
-    return create<Date>([queue = scheduler_, interval, calendar](Emitter<Date, Never>& emitter) {
+    return createUnbuffered<Date>([queue = scheduler_, interval, calendar](Emitter<Date, Never>& emitter) {
         auto timer =
             std::make_shared<BoundaryTimer>(queue, interval, calendar ? *calendar : Calendar::current(), emitter);
         timer->start();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <kestrel/foundation/required.h>
 #include <kestrel/platform/main_queue.h>
 #include <kestrel/services/system_clock_service.h>
 #include <memory>
@@ -10,7 +11,8 @@ namespace kestrel {
 /// The clock of the system, or of whatever queue it is given: a test gives one whose time stands still.
 class LocalClockService final : public SystemClockService {
   public:
-    explicit LocalClockService(std::shared_ptr<MainQueue> mainQueue) : scheduler_(std::move(mainQueue)) {}
+    explicit LocalClockService(std::shared_ptr<MainQueue> mainQueue)
+        : scheduler_(required(std::move(mainQueue), "The main queue of a clock")) {}
 
     [[nodiscard]] std::shared_ptr<Scheduler> scheduler() const override { return scheduler_; }
     [[nodiscard]] Date now() const override { return scheduler_->now(); }

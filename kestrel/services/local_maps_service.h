@@ -1,5 +1,6 @@
 #pragma once
 
+#include <kestrel/foundation/required.h>
 #include <kestrel/platform/workspace.h>
 #include <kestrel/services/system_maps_service.h>
 #include <memory>
@@ -10,7 +11,8 @@ namespace kestrel {
 /// The maps of the desktop.
 class LocalMapsService final : public SystemMapsService {
   public:
-    explicit LocalMapsService(std::shared_ptr<MapApplication> maps) : maps_(std::move(maps)) {}
+    explicit LocalMapsService(std::shared_ptr<MapApplication> maps)
+        : maps_(required(std::move(maps), "The maps application")) {}
 
     [[nodiscard]] bool openMapItem(const MapItem& item) override { return maps_->open(item); }
 

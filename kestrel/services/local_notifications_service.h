@@ -1,5 +1,6 @@
 #pragma once
 
+#include <kestrel/foundation/required.h>
 #include <kestrel/platform/user_notification_center.h>
 #include <kestrel/reactive/scheduler.h>
 #include <kestrel/services/system_notifications_service.h>
@@ -13,7 +14,8 @@ class LocalNotificationsService final : public SystemNotificationsService {
   public:
     /// Values are delivered on the main queue, wherever the centre calls back.
     LocalNotificationsService(std::shared_ptr<UserNotificationCenter> center, std::shared_ptr<Scheduler> mainQueue)
-        : center_(std::move(center)), mainQueue_(std::move(mainQueue)) {}
+        : center_(required(std::move(center), "The notification center")),
+          mainQueue_(required(std::move(mainQueue), "The main queue of notifications")) {}
 
     [[nodiscard]] AnyPublisher<NotificationSettings> readSettings() override;
     [[nodiscard]] AnyPublisher<NotificationSettings, UserNotificationErrorCode> requestAuthorization(

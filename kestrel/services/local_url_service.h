@@ -1,5 +1,6 @@
 #pragma once
 
+#include <kestrel/foundation/required.h>
 #include <kestrel/platform/workspace.h>
 #include <kestrel/services/system_url_service.h>
 #include <memory>
@@ -10,7 +11,8 @@ namespace kestrel {
 /// The applications of the desktop.
 class LocalURLService final : public SystemURLService {
   public:
-    explicit LocalURLService(std::shared_ptr<Workspace> workspace) : workspace_(std::move(workspace)) {}
+    explicit LocalURLService(std::shared_ptr<Workspace> workspace)
+        : workspace_(required(std::move(workspace), "The workspace of URLs")) {}
 
     [[nodiscard]] bool canOpenURL(const URL& url) const override;
     [[nodiscard]] AnyPublisher<Never, PlatformError> openURL(const URL& url) override;

@@ -4,6 +4,7 @@
 #include <kestrel/runtime/service_protocol.h>
 #include <kestrel/session/credentials.h>
 #include <kestrel/session/service_errors.h>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -24,16 +25,16 @@ class LoginStorageService : public ServiceProtocol {
 template <>
 class Forwarding<LoginStorageService> : public LoginStorageService {
   public:
-    [[nodiscard]] virtual LoginStorageService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<LoginStorageService> target() const = 0;
 
     [[nodiscard]] AnyPublisher<std::optional<std::string>, ReadError> fetchLastUsername() override {
-        return target().fetchLastUsername();
+        return target()->fetchLastUsername();
     }
     [[nodiscard]] AnyPublisher<Never, UpdateError> storeCredential(const PasswordCredential& credential) override {
-        return target().storeCredential(credential);
+        return target()->storeCredential(credential);
     }
     [[nodiscard]] AnyPublisher<Never, UpdateError> deleteCredential(std::string username) override {
-        return target().deleteCredential(std::move(username));
+        return target()->deleteCredential(std::move(username));
     }
 };
 

@@ -6,6 +6,7 @@
 #include <kestrel/session/on_demand.h>
 #include <kestrel/session/schema_migration_state.h>
 #include <kestrel/session/sync_status.h>
+#include <memory>
 
 namespace kestrel {
 
@@ -33,23 +34,23 @@ class OnDemandService : public ServiceProtocol {
 template <>
 class Forwarding<OnDemandService> : public OnDemandService {
   public:
-    [[nodiscard]] virtual OnDemandService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<OnDemandService> target() const = 0;
 
     [[nodiscard]] AnyPublisher<OnDemandFreshness, OnDemandError> fetchRecord(const AnyObjectID& id) override {
-        return target().fetchRecord(id);
+        return target()->fetchRecord(id);
     }
     [[nodiscard]] AnyPublisher<OnDemandFreshness, OnDemandError> fetchActivity(const AnyObjectID& id) override {
-        return target().fetchActivity(id);
+        return target()->fetchActivity(id);
     }
     [[nodiscard]] AnyPublisher<OnDemandFreshness> observeFreshness(const AnyObjectID& id) override {
-        return target().observeFreshness(id);
+        return target()->observeFreshness(id);
     }
-    void invalidate(const AnyObjectID& id) override { target().invalidate(id); }
-    [[nodiscard]] bool isAvailable() const override { return target().isAvailable(); }
-    [[nodiscard]] AnyPublisher<SyncEvent> syncEvents() const override { return target().syncEvents(); }
-    [[nodiscard]] AnyPublisher<SyncStatus> synchronize() override { return target().synchronize(); }
+    void invalidate(const AnyObjectID& id) override { target()->invalidate(id); }
+    [[nodiscard]] bool isAvailable() const override { return target()->isAvailable(); }
+    [[nodiscard]] AnyPublisher<SyncEvent> syncEvents() const override { return target()->syncEvents(); }
+    [[nodiscard]] AnyPublisher<SyncStatus> synchronize() override { return target()->synchronize(); }
     [[nodiscard]] AnyPublisher<SchemaMigrationState> migrationState() const override {
-        return target().migrationState();
+        return target()->migrationState();
     }
 };
 

@@ -12,6 +12,7 @@
 #include <kestrel/session/login_state.h>
 #include <kestrel/session/service_errors.h>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -101,87 +102,87 @@ class OnboardingService : public ServiceProtocol {
 template <>
 class Forwarding<OnboardingService> : public OnboardingService {
   public:
-    [[nodiscard]] virtual OnboardingService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<OnboardingService> target() const = 0;
 
-    [[nodiscard]] AnyPublisher<std::optional<LoginState>> loginState() const override { return target().loginState(); }
+    [[nodiscard]] AnyPublisher<std::optional<LoginState>> loginState() const override { return target()->loginState(); }
     [[nodiscard]] AnyPublisher<LoginState, LoginError> identifyUser(std::string email) override {
-        return target().identifyUser(std::move(email));
+        return target()->identifyUser(std::move(email));
     }
     [[nodiscard]] AnyPublisher<LoginState, LoginError> authenticate(
         const AuthenticationCredentialSet& credentials) override {
-        return target().authenticate(credentials);
+        return target()->authenticate(credentials);
     }
     [[nodiscard]] AnyPublisher<LoginState, LoginError> selectCompany(const LoginState::Company& company) override {
-        return target().selectCompany(company);
+        return target()->selectCompany(company);
     }
-    [[nodiscard]] AnyPublisher<Never> cancelLogin() override { return target().cancelLogin(); }
+    [[nodiscard]] AnyPublisher<Never> cancelLogin() override { return target()->cancelLogin(); }
     [[nodiscard]] AnyPublisher<ProgressSnapshot> downloadProgress() const override {
-        return target().downloadProgress();
+        return target()->downloadProgress();
     }
-    [[nodiscard]] AnyPublisher<Never, LoginError> startDownload() override { return target().startDownload(); }
-    [[nodiscard]] AnyPublisher<Never> cancelDownload() override { return target().cancelDownload(); }
+    [[nodiscard]] AnyPublisher<Never, LoginError> startDownload() override { return target()->startDownload(); }
+    [[nodiscard]] AnyPublisher<Never> cancelDownload() override { return target()->cancelDownload(); }
     [[nodiscard]] AnyPublisher<Data, LoginError> requestPasskeyChallenge(std::string email) override {
-        return target().requestPasskeyChallenge(std::move(email));
+        return target()->requestPasskeyChallenge(std::move(email));
     }
     [[nodiscard]] AnyPublisher<Never, LoginError> registerPasskey(
         const PasskeyAuthorizationPublicKeyCredential& credential) override {
-        return target().registerPasskey(credential);
+        return target()->registerPasskey(credential);
     }
     [[nodiscard]] AnyPublisher<Never, PasswordResetError> requestPasswordReset(std::string email) override {
-        return target().requestPasswordReset(std::move(email));
+        return target()->requestPasswordReset(std::move(email));
     }
     [[nodiscard]] AnyPublisher<Never, LoginError> requestOneTimeCode() override {
-        return target().requestOneTimeCode();
+        return target()->requestOneTimeCode();
     }
     [[nodiscard]] AnyPublisher<Never, CloudError> createAccount(const PasswordCredential& credential,
                                                                 std::string companyName) override {
-        return target().createAccount(credential, std::move(companyName));
+        return target()->createAccount(credential, std::move(companyName));
     }
     [[nodiscard]] AnyPublisher<Never, CloudError> verifyEmail(std::string code) override {
-        return target().verifyEmail(std::move(code));
+        return target()->verifyEmail(std::move(code));
     }
     [[nodiscard]] AnyPublisher<Never, CloudError> acceptTerms(std::string version) override {
-        return target().acceptTerms(std::move(version));
+        return target()->acceptTerms(std::move(version));
     }
     [[nodiscard]] AnyPublisher<std::optional<CurrentUserInfo>> currentUser() const override {
-        return target().currentUser();
+        return target()->currentUser();
     }
-    [[nodiscard]] bool isCompleted() const override { return target().isCompleted(); }
-    [[nodiscard]] AnyPublisher<Never> markCompleted() override { return target().markCompleted(); }
-    [[nodiscard]] AnyPublisher<Never> reset() override { return target().reset(); }
-    [[nodiscard]] bool shouldShowGetStartedBanner() const override { return target().shouldShowGetStartedBanner(); }
-    void dismissGetStartedBanner() override { target().dismissGetStartedBanner(); }
-    [[nodiscard]] bool shouldShowGetStartedSheet() const override { return target().shouldShowGetStartedSheet(); }
-    void dismissGetStartedSheet() override { target().dismissGetStartedSheet(); }
-    [[nodiscard]] UserDefaultGetStartedBanner getStartedBanner() const override { return target().getStartedBanner(); }
-    void setGetStartedBanner(UserDefaultGetStartedBanner value) override { target().setGetStartedBanner(value); }
+    [[nodiscard]] bool isCompleted() const override { return target()->isCompleted(); }
+    [[nodiscard]] AnyPublisher<Never> markCompleted() override { return target()->markCompleted(); }
+    [[nodiscard]] AnyPublisher<Never> reset() override { return target()->reset(); }
+    [[nodiscard]] bool shouldShowGetStartedBanner() const override { return target()->shouldShowGetStartedBanner(); }
+    void dismissGetStartedBanner() override { target()->dismissGetStartedBanner(); }
+    [[nodiscard]] bool shouldShowGetStartedSheet() const override { return target()->shouldShowGetStartedSheet(); }
+    void dismissGetStartedSheet() override { target()->dismissGetStartedSheet(); }
+    [[nodiscard]] UserDefaultGetStartedBanner getStartedBanner() const override { return target()->getStartedBanner(); }
+    void setGetStartedBanner(UserDefaultGetStartedBanner value) override { target()->setGetStartedBanner(value); }
     void modifyGetStartedBanner(const std::function<void(UserDefaultGetStartedBanner&)>& change) override {
-        target().modifyGetStartedBanner(change);
+        target()->modifyGetStartedBanner(change);
     }
     [[nodiscard]] UserDefaultGetStartedSheetOnFirstLogin getStartedSheetOnFirstLogin() const override {
-        return target().getStartedSheetOnFirstLogin();
+        return target()->getStartedSheetOnFirstLogin();
     }
     void setGetStartedSheetOnFirstLogin(UserDefaultGetStartedSheetOnFirstLogin value) override {
-        target().setGetStartedSheetOnFirstLogin(value);
+        target()->setGetStartedSheetOnFirstLogin(value);
     }
     void modifyGetStartedSheetOnFirstLogin(
         const std::function<void(UserDefaultGetStartedSheetOnFirstLogin&)>& change) override {
-        target().modifyGetStartedSheetOnFirstLogin(change);
+        target()->modifyGetStartedSheetOnFirstLogin(change);
     }
-    [[nodiscard]] UserDefaultHasMac readHasMac() const override { return target().readHasMac(); }
-    void storeHasMac(UserDefaultHasMac value) override { target().storeHasMac(value); }
+    [[nodiscard]] UserDefaultHasMac readHasMac() const override { return target()->readHasMac(); }
+    void storeHasMac(UserDefaultHasMac value) override { target()->storeHasMac(value); }
     [[nodiscard]] AnyPublisher<Never, CloudError> inviteColleagues(std::vector<std::string> emails) override {
-        return target().inviteColleagues(std::move(emails));
+        return target()->inviteColleagues(std::move(emails));
     }
-    [[nodiscard]] AnyPublisher<Never, UpdateError> addSampleRecords() override { return target().addSampleRecords(); }
+    [[nodiscard]] AnyPublisher<Never, UpdateError> addSampleRecords() override { return target()->addSampleRecords(); }
     [[nodiscard]] AnyPublisher<Never, UpdateError> removeSampleRecords() override {
-        return target().removeSampleRecords();
+        return target()->removeSampleRecords();
     }
     [[nodiscard]] AnyPublisher<Never, CloudError> sendFeedback(std::string text) override {
-        return target().sendFeedback(std::move(text));
+        return target()->sendFeedback(std::move(text));
     }
     [[nodiscard]] AnyPublisher<URL, CloudError> fetchHelpURL(std::string topic) override {
-        return target().fetchHelpURL(std::move(topic));
+        return target()->fetchHelpURL(std::move(topic));
     }
 };
 

@@ -4,6 +4,7 @@
 #include <kestrel/runtime/service_protocol.h>
 #include <kestrel/session/database_preference.h>
 #include <kestrel/session/service_errors.h>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -28,20 +29,20 @@ class OptionsService : public ServiceProtocol {
 template <>
 class Forwarding<OptionsService> : public OptionsService {
   public:
-    [[nodiscard]] virtual OptionsService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<OptionsService> target() const = 0;
 
     [[nodiscard]] AnyPublisher<std::optional<std::string>, ReadError> fetchOption(std::string name) override {
-        return target().fetchOption(std::move(name));
+        return target()->fetchOption(std::move(name));
     }
     [[nodiscard]] AnyPublisher<std::vector<DatabasePreference>, ReadError> fetchOptions() override {
-        return target().fetchOptions();
+        return target()->fetchOptions();
     }
     [[nodiscard]] AnyPublisher<DatabasePreference, UpdateError> storeOption(std::string name,
                                                                             std::optional<std::string> value) override {
-        return target().storeOption(std::move(name), std::move(value));
+        return target()->storeOption(std::move(name), std::move(value));
     }
     [[nodiscard]] AnyPublisher<std::optional<std::string>> observeOption(std::string name) override {
-        return target().observeOption(std::move(name));
+        return target()->observeOption(std::move(name));
     }
 };
 

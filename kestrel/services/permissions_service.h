@@ -5,6 +5,7 @@
 #include <kestrel/reactive/publisher.h>
 #include <kestrel/runtime/service_protocol.h>
 #include <kestrel/session/service_errors.h>
+#include <memory>
 
 namespace kestrel {
 
@@ -22,16 +23,16 @@ class PermissionsService : public ServiceProtocol {
 template <>
 class Forwarding<PermissionsService> : public PermissionsService {
   public:
-    [[nodiscard]] virtual PermissionsService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<PermissionsService> target() const = 0;
 
     [[nodiscard]] AnyPublisher<PermissionChecker, ReadError> fetchPermissionChecker() override {
-        return target().fetchPermissionChecker();
+        return target()->fetchPermissionChecker();
     }
     [[nodiscard]] AnyPublisher<PermissionChecker> observePermissionChecker() override {
-        return target().observePermissionChecker();
+        return target()->observePermissionChecker();
     }
     [[nodiscard]] AnyPublisher<Permissions, ReadError> fetchPermissions(const AnyObjectID& id) override {
-        return target().fetchPermissions(id);
+        return target()->fetchPermissions(id);
     }
 };
 

@@ -8,6 +8,7 @@
 #include <kestrel/reactive/void.h>
 #include <kestrel/runtime/service_protocol.h>
 #include <kestrel/session/service_errors.h>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -37,29 +38,29 @@ class PipelineBoardFilterService : public ServiceProtocol {
 template <>
 class Forwarding<PipelineBoardFilterService> : public PipelineBoardFilterService {
   public:
-    [[nodiscard]] virtual PipelineBoardFilterService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<PipelineBoardFilterService> target() const = 0;
 
     [[nodiscard]] AnyPublisher<std::vector<BoardUser>, ReadError> fetchUsers(
         BoardKind kind, const ObjectID<PipelineDefinition>& pipeline) override {
-        return target().fetchUsers(kind, pipeline);
+        return target()->fetchUsers(kind, pipeline);
     }
     [[nodiscard]] AnyPublisher<std::vector<Category>, ReadError> fetchCategories() override {
-        return target().fetchCategories();
+        return target()->fetchCategories();
     }
     [[nodiscard]] AnyPublisher<std::vector<OpportunityType>, ReadError> fetchOpportunityTypes() override {
-        return target().fetchOpportunityTypes();
+        return target()->fetchOpportunityTypes();
     }
     [[nodiscard]] AnyPublisher<std::vector<Keyword>, ReadError> fetchKeywords() override {
-        return target().fetchKeywords();
+        return target()->fetchKeywords();
     }
     [[nodiscard]] AnyPublisher<std::string, ReadError> describeFilter(const OpportunityBoardFilter& filter) override {
-        return target().describeFilter(filter);
+        return target()->describeFilter(filter);
     }
     [[nodiscard]] AnyPublisher<std::string, ReadError> describeProjectFilter(
         const ProjectBoardFilter& filter) override {
-        return target().describeProjectFilter(filter);
+        return target()->describeProjectFilter(filter);
     }
-    [[nodiscard]] AnyPublisher<Void> observeChanges() override { return target().observeChanges(); }
+    [[nodiscard]] AnyPublisher<Void> observeChanges() override { return target()->observeChanges(); }
 };
 
 }  // namespace kestrel

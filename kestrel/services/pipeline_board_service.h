@@ -10,6 +10,7 @@
 #include <kestrel/runtime/service_protocol.h>
 #include <kestrel/session/service_errors.h>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace kestrel {
@@ -44,36 +45,36 @@ class PipelineBoardService : public ServiceProtocol {
 template <>
 class Forwarding<PipelineBoardService> : public PipelineBoardService {
   public:
-    [[nodiscard]] virtual PipelineBoardService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<PipelineBoardService> target() const = 0;
 
-    [[nodiscard]] AnyPublisher<Void> boardDidChange() const override { return target().boardDidChange(); }
+    [[nodiscard]] AnyPublisher<Void> boardDidChange() const override { return target()->boardDidChange(); }
     [[nodiscard]] AnyPublisher<std::vector<PipelineDefinition>, ReadError> fetchPipelines(BoardKind kind) override {
-        return target().fetchPipelines(kind);
+        return target()->fetchPipelines(kind);
     }
     [[nodiscard]] AnyPublisher<std::vector<PipelineStageDefinition>, ReadError> fetchStages(
         const ObjectID<PipelineDefinition>& id) override {
-        return target().fetchStages(id);
+        return target()->fetchStages(id);
     }
     [[nodiscard]] AnyPublisher<BoardConfig, ReadError> fetchBoardConfig(BoardKind kind) override {
-        return target().fetchBoardConfig(kind);
+        return target()->fetchBoardConfig(kind);
     }
     [[nodiscard]] AnyPublisher<Never, UpdateError> storeBoardConfig(const BoardConfig& config) override {
-        return target().storeBoardConfig(config);
+        return target()->storeBoardConfig(config);
     }
     [[nodiscard]] AnyPublisher<BoardData, ReadError> fetchBoard(const BoardConfig& config,
                                                                 const CalendarMoment& at) override {
-        return target().fetchBoard(config, at);
+        return target()->fetchBoard(config, at);
     }
     [[nodiscard]] AnyPublisher<Never, ChangeStageError> changeStage(const ChangeStageOptions& options) override {
-        return target().changeStage(options);
+        return target()->changeStage(options);
     }
     [[nodiscard]] AnyPublisher<Never, ChangeStateError> changeState(const ObjectID<Opportunity>& id,
                                                                     const ChangeStateOptions& options) override {
-        return target().changeState(id, options);
+        return target()->changeState(id, options);
     }
     [[nodiscard]] AnyPublisher<Never, ChangeStatusError> changeStatus(const ObjectID<Project>& id,
                                                                       std::int64_t statusCode) override {
-        return target().changeStatus(id, statusCode);
+        return target()->changeStatus(id, statusCode);
     }
 };
 

@@ -3,6 +3,7 @@
 #include <kestrel/reactive/publisher.h>
 #include <kestrel/runtime/service_protocol.h>
 #include <cstdint>
+#include <memory>
 
 namespace kestrel {
 
@@ -24,11 +25,11 @@ class ReachabilityService : public ServiceProtocol {
 template <>
 class Forwarding<ReachabilityService> : public ReachabilityService {
   public:
-    [[nodiscard]] virtual ReachabilityService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<ReachabilityService> target() const = 0;
 
-    [[nodiscard]] ReachabilityStatus currentStatus() const override { return target().currentStatus(); }
+    [[nodiscard]] ReachabilityStatus currentStatus() const override { return target()->currentStatus(); }
     [[nodiscard]] AnyPublisher<ReachabilityStatus, ReachabilityError> observeNetworkStatus() override {
-        return target().observeNetworkStatus();
+        return target()->observeNetworkStatus();
     }
 };
 

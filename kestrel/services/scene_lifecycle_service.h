@@ -3,6 +3,7 @@
 #include <kestrel/reactive/publisher.h>
 #include <kestrel/reactive/void.h>
 #include <kestrel/runtime/service_protocol.h>
+#include <memory>
 
 namespace kestrel {
 
@@ -22,12 +23,12 @@ class SceneLifecycleService : public ServiceProtocol {
 template <>
 class Forwarding<SceneLifecycleService> : public SceneLifecycleService {
   public:
-    [[nodiscard]] virtual SceneLifecycleService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<SceneLifecycleService> target() const = 0;
 
-    [[nodiscard]] AnyPublisher<Void> didActivate() const override { return target().didActivate(); }
-    [[nodiscard]] AnyPublisher<Void> willDeactivate() const override { return target().willDeactivate(); }
-    [[nodiscard]] AnyPublisher<Void> didEnterBackground() const override { return target().didEnterBackground(); }
-    [[nodiscard]] AnyPublisher<Void> willEnterForeground() const override { return target().willEnterForeground(); }
+    [[nodiscard]] AnyPublisher<Void> didActivate() const override { return target()->didActivate(); }
+    [[nodiscard]] AnyPublisher<Void> willDeactivate() const override { return target()->willDeactivate(); }
+    [[nodiscard]] AnyPublisher<Void> didEnterBackground() const override { return target()->didEnterBackground(); }
+    [[nodiscard]] AnyPublisher<Void> willEnterForeground() const override { return target()->willEnterForeground(); }
 };
 
 namespace services {

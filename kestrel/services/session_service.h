@@ -5,6 +5,7 @@
 #include <kestrel/session/current_user_info.h>
 #include <kestrel/session/forced_logout.h>
 #include <kestrel/session/session_state.h>
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -24,14 +25,14 @@ class SessionService : public ServiceProtocol {
 template <>
 class Forwarding<SessionService> : public SessionService {
   public:
-    [[nodiscard]] virtual SessionService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<SessionService> target() const = 0;
 
-    [[nodiscard]] AnyPublisher<SessionState> state() const override { return target().state(); }
+    [[nodiscard]] AnyPublisher<SessionState> state() const override { return target()->state(); }
     [[nodiscard]] AnyPublisher<std::optional<CurrentUserInfo>> currentUser() const override {
-        return target().currentUser();
+        return target()->currentUser();
     }
     [[nodiscard]] AnyPublisher<Never> logOut(std::optional<ForcedLogout> reason) override {
-        return target().logOut(std::move(reason));
+        return target()->logOut(std::move(reason));
     }
 };
 

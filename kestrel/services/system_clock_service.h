@@ -34,13 +34,13 @@ class SystemClockService : public ServiceProtocol {
 template <>
 class Forwarding<SystemClockService> : public SystemClockService {
   public:
-    [[nodiscard]] virtual SystemClockService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<SystemClockService> target() const = 0;
 
-    [[nodiscard]] std::shared_ptr<Scheduler> scheduler() const override { return target().scheduler(); }
-    [[nodiscard]] Date now() const override { return target().now(); }
-    [[nodiscard]] AnyPublisher<Date> timer(double interval) override { return target().timer(interval); }
+    [[nodiscard]] std::shared_ptr<Scheduler> scheduler() const override { return target()->scheduler(); }
+    [[nodiscard]] Date now() const override { return target()->now(); }
+    [[nodiscard]] AnyPublisher<Date> timer(double interval) override { return target()->timer(interval); }
     [[nodiscard]] AnyPublisher<Date> boundaries(ClockInterval interval, std::optional<Calendar> calendar) override {
-        return target().boundaries(interval, calendar);
+        return target()->boundaries(interval, calendar);
     }
 };
 

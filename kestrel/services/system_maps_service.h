@@ -2,6 +2,7 @@
 
 #include <kestrel/platform/workspace.h>
 #include <kestrel/runtime/service_protocol.h>
+#include <memory>
 
 namespace kestrel {
 
@@ -15,9 +16,9 @@ class SystemMapsService : public ServiceProtocol {
 template <>
 class Forwarding<SystemMapsService> : public SystemMapsService {
   public:
-    [[nodiscard]] virtual SystemMapsService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<SystemMapsService> target() const = 0;
 
-    [[nodiscard]] bool openMapItem(const MapItem& item) override { return target().openMapItem(item); }
+    [[nodiscard]] bool openMapItem(const MapItem& item) override { return target()->openMapItem(item); }
 };
 
 namespace services {

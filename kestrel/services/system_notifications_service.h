@@ -3,6 +3,7 @@
 #include <kestrel/platform/user_notification_center.h>
 #include <kestrel/reactive/publisher.h>
 #include <kestrel/runtime/service_protocol.h>
+#include <memory>
 
 namespace kestrel {
 
@@ -19,12 +20,12 @@ class SystemNotificationsService : public ServiceProtocol {
 template <>
 class Forwarding<SystemNotificationsService> : public SystemNotificationsService {
   public:
-    [[nodiscard]] virtual SystemNotificationsService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<SystemNotificationsService> target() const = 0;
 
-    [[nodiscard]] AnyPublisher<NotificationSettings> readSettings() override { return target().readSettings(); }
+    [[nodiscard]] AnyPublisher<NotificationSettings> readSettings() override { return target()->readSettings(); }
     [[nodiscard]] AnyPublisher<NotificationSettings, UserNotificationErrorCode> requestAuthorization(
         NotificationAuthorizationOptions options) override {
-        return target().requestAuthorization(options);
+        return target()->requestAuthorization(options);
     }
 };
 

@@ -4,6 +4,7 @@
 #include <kestrel/foundation/url.h>
 #include <kestrel/reactive/publisher.h>
 #include <kestrel/runtime/service_protocol.h>
+#include <memory>
 
 namespace kestrel {
 
@@ -19,10 +20,10 @@ class SystemURLService : public ServiceProtocol {
 template <>
 class Forwarding<SystemURLService> : public SystemURLService {
   public:
-    [[nodiscard]] virtual SystemURLService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<SystemURLService> target() const = 0;
 
-    [[nodiscard]] bool canOpenURL(const URL& url) const override { return target().canOpenURL(url); }
-    [[nodiscard]] AnyPublisher<Never, PlatformError> openURL(const URL& url) override { return target().openURL(url); }
+    [[nodiscard]] bool canOpenURL(const URL& url) const override { return target()->canOpenURL(url); }
+    [[nodiscard]] AnyPublisher<Never, PlatformError> openURL(const URL& url) override { return target()->openURL(url); }
 };
 
 namespace services {

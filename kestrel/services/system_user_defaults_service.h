@@ -6,6 +6,7 @@
 #include <kestrel/services/user_defaults.h>
 #include <concepts>
 #include <expected>
+#include <memory>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -25,7 +26,7 @@ using DefaultsWritten = std::expected<void, PlatformError>;
 ///     const std::string theme = runtime[services::systemDefaults].get(ThemeKey{});
 ///     AnyCancellable watching = runtime[services::systemDefaults].observe(ThemeKey{}).sink(applyTheme);
 ///
-/// Changes by other processes are observed like this one's.
+/// Changes by other processes are observed like this one's. May be used from any thread when the store may.
 class SystemUserDefaultsService : public ServiceProtocol {
   public:
     /// What the reader reads for a name.
@@ -35,24 +36,26 @@ class SystemUserDefaultsService : public ServiceProtocol {
     virtual DefaultsWritten writeStored(std::optional<DefaultsValue> value, std::string_view name) = 0;
     /// Stores nothing.
     virtual DefaultsWritten remove(std::string_view name) = 0;
-    /// What the reader reads whenever that has changed since somebody subscribed; not what it reads then. Without end.
+    /// What the type reads whenever its value has changed since somebody subscribed; not what it reads then. Without
+    /// end. Comes on the thread that made the change; the main thread for changes by other processes.
     [[nodiscard]] virtual AnyPublisher<std::optional<DefaultsValue>> observeStored(std::string_view name,
-                                                                                   StoredValueReader reader) = 0;
+                                                                                   StoredValueType type) = 0;
 
     /// The value of a name; absent when nothing is stored, or something of another type. An absent number reads as
     /// zero.
     template <UserDefaultsRepresentable Value>
     [[nodiscard]] std::optional<Value> read(std::string_view name) const {
-        return UserDefaultsRepresentation<Value>::fromStored(readStored(name, canonicalStoredValue<Value>));
+        return UserDefaultsRepresentation<Value>::fromStored(
+            readStored(name, UserDefaultsRepresentation<Value>::readStoredValue));
     }
     template <UserDefaultsRepresentable Value>
     DefaultsWritten write(const Value& value, std::string_view name) {
-        return writeStored(UserDefaultsRepresentation<Value>::storage(value), name);
+        return writeStored(UserDefaultsRepresentation<Value>::userDefaultsStorage(value), name);
     }
     /// The value of a name whenever it has changed, absent as in `read`.
     template <UserDefaultsRepresentable Value>
     [[nodiscard]] AnyPublisher<std::optional<Value>> observe(std::string_view name) {
-        return observeStored(name, canonicalStoredValue<Value>).map([](const std::optional<DefaultsValue>& stored) {
+        return observeStored(name, storedValueType<Value>).map([](const std::optional<DefaultsValue>& stored) {
             return UserDefaultsRepresentation<Value>::fromStored(stored);
         });
     }
@@ -77,19 +80,19 @@ class SystemUserDefaultsService : public ServiceProtocol {
 template <>
 class Forwarding<SystemUserDefaultsService> : public SystemUserDefaultsService {
   public:
-    [[nodiscard]] virtual SystemUserDefaultsService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<SystemUserDefaultsService> target() const = 0;
 
     [[nodiscard]] std::optional<DefaultsValue> readStored(std::string_view name,
                                                           StoredValueReader reader) const override {
-        return target().readStored(name, reader);
+        return target()->readStored(name, reader);
     }
     DefaultsWritten writeStored(std::optional<DefaultsValue> value, std::string_view name) override {
-        return target().writeStored(std::move(value), name);
+        return target()->writeStored(std::move(value), name);
     }
-    DefaultsWritten remove(std::string_view name) override { return target().remove(name); }
+    DefaultsWritten remove(std::string_view name) override { return target()->remove(name); }
     [[nodiscard]] AnyPublisher<std::optional<DefaultsValue>> observeStored(std::string_view name,
-                                                                           StoredValueReader reader) override {
-        return target().observeStored(name, reader);
+                                                                           StoredValueType type) override {
+        return target()->observeStored(name, type);
     }
 };
 

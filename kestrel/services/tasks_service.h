@@ -6,6 +6,7 @@
 #include <kestrel/reactive/publisher.h>
 #include <kestrel/runtime/service_protocol.h>
 #include <kestrel/session/service_errors.h>
+#include <memory>
 
 namespace kestrel {
 
@@ -19,10 +20,10 @@ class TasksService : public ServiceProtocol {
 template <>
 class Forwarding<TasksService> : public TasksService {
   public:
-    [[nodiscard]] virtual TasksService& target() const = 0;
+    [[nodiscard]] virtual std::shared_ptr<TasksService> target() const = 0;
 
     [[nodiscard]] AnyPublisher<Task, UpdateError> completeTask(const TaskID& id, Date completionDate) override {
-        return target().completeTask(id, completionDate);
+        return target()->completeTask(id, completionDate);
     }
 };
 

@@ -20,8 +20,8 @@ namespace kestrel {
 /// How a type is stored as a preference. A host specialises it for types of its own, with
 ///
 ///     static std::optional<Value> fromStored(const std::optional<DefaultsValue>&);    absent when it is no such value
-///     static std::optional<DefaultsValue> storage(const Value&);                      absent removes the entry
-///     static std::optional<DefaultsValue> readStoredValue(std::string_view name, const UserDefaultsStore&);
+///     static std::optional<DefaultsValue> userDefaultsStorage(const Value&);                      absent removes the
+///     entry static std::optional<DefaultsValue> readStoredValue(std::string_view name, const UserDefaultsStore&);
 ///
 /// for the last of which deriving from StoredObject is enough.
 template <class Value>
@@ -34,7 +34,7 @@ concept UserDefaultsRepresentable =
     std::equality_comparable<Value> &&
     requires(const Value& value, const std::optional<DefaultsValue>& stored, const UserDefaultsStore& store) {
         { UserDefaultsRepresentation<Value>::fromStored(stored) } -> std::same_as<std::optional<Value>>;
-        { UserDefaultsRepresentation<Value>::storage(value) } -> std::same_as<std::optional<DefaultsValue>>;
+        { UserDefaultsRepresentation<Value>::userDefaultsStorage(value) } -> std::same_as<std::optional<DefaultsValue>>;
         {
             UserDefaultsRepresentation<Value>::readStoredValue(std::string_view(), store)
         } -> std::same_as<std::optional<DefaultsValue>>;
@@ -56,7 +56,9 @@ struct StoredAsItself : StoredObject {
         const auto* value = std::get_if<Value>(&*stored);
         return value == nullptr ? std::nullopt : std::optional<Value>(*value);
     }
-    [[nodiscard]] static std::optional<DefaultsValue> storage(const Value& value) { return DefaultsValue(value); }
+    [[nodiscard]] static std::optional<DefaultsValue> userDefaultsStorage(const Value& value) {
+        return DefaultsValue(value);
+    }
 };
 
 template <>
@@ -89,7 +91,9 @@ struct UserDefaultsRepresentation<float> {
         const auto number = UserDefaultsRepresentation<double>::fromStored(stored);
         return number ? std::optional(static_cast<float>(*number)) : std::nullopt;
     }
-    [[nodiscard]] static std::optional<DefaultsValue> storage(float value) { return static_cast<double>(value); }
+    [[nodiscard]] static std::optional<DefaultsValue> userDefaultsStorage(float value) {
+        return static_cast<double>(value);
+    }
     [[nodiscard]] static std::optional<DefaultsValue> readStoredValue(std::string_view name,
                                                                       const UserDefaultsStore& store) {
         return static_cast<double>(store.floatValue(name));
@@ -103,7 +107,7 @@ struct UserDefaultsRepresentation<Integer> {
         if (number == nullptr || !std::in_range<Integer>(*number)) return std::nullopt;
         return static_cast<Integer>(*number);
     }
-    [[nodiscard]] static std::optional<DefaultsValue> storage(Integer value) {
+    [[nodiscard]] static std::optional<DefaultsValue> userDefaultsStorage(Integer value) {
         return static_cast<std::int64_t>(value);
     }
     [[nodiscard]] static std::optional<DefaultsValue> readStoredValue(std::string_view name,
@@ -125,7 +129,7 @@ struct UserDefaultsRepresentation<E> : StoredObject {
         const auto raw = StoredAsItself<std::int64_t>::fromStored(stored);
         return raw ? fromRawValue<E>(*raw) : std::nullopt;
     }
-    [[nodiscard]] static std::optional<DefaultsValue> storage(E value) { return rawValue(value); }
+    [[nodiscard]] static std::optional<DefaultsValue> userDefaultsStorage(E value) { return rawValue(value); }
 };
 /// Absent is a value of its own: what is not stored, or of another type, reads as an absent value and not as nothing,
 /// so that a default value never stands in for it. What its type reads where nothing is stored, zero, it reads too.
@@ -135,8 +139,8 @@ struct UserDefaultsRepresentation<std::optional<Wrapped>> {
         return std::optional<std::optional<Wrapped>>(std::in_place,
                                                      UserDefaultsRepresentation<Wrapped>::fromStored(stored));
     }
-    [[nodiscard]] static std::optional<DefaultsValue> storage(const std::optional<Wrapped>& value) {
-        return value ? UserDefaultsRepresentation<Wrapped>::storage(*value) : std::nullopt;
+    [[nodiscard]] static std::optional<DefaultsValue> userDefaultsStorage(const std::optional<Wrapped>& value) {
+        return value ? UserDefaultsRepresentation<Wrapped>::userDefaultsStorage(*value) : std::nullopt;
     }
     [[nodiscard]] static std::optional<DefaultsValue> readStoredValue(std::string_view name,
                                                                       const UserDefaultsStore& store) {
@@ -147,14 +151,17 @@ struct UserDefaultsRepresentation<std::optional<Wrapped>> {
 /// Reads a preference for some type.
 using StoredValueReader = std::optional<DefaultsValue> (*)(std::string_view name, const UserDefaultsStore& store);
 
-/// What a type reads for a name, in the form in which it would write it: two such forms are equal exactly when the
-/// values are.
+/// A type of preferences, as far as stored forms go: how one is read, and whether two of them are equal values.
+struct StoredValueType {
+    StoredValueReader read;
+    bool (*areEqual)(const std::optional<DefaultsValue>& a, const std::optional<DefaultsValue>& b);
+};
 template <UserDefaultsRepresentable Value>
-[[nodiscard]] std::optional<DefaultsValue> canonicalStoredValue(std::string_view name, const UserDefaultsStore& store) {
-    using Representation = UserDefaultsRepresentation<Value>;
-    const auto value = Representation::fromStored(Representation::readStoredValue(name, store));
-    return value ? Representation::storage(*value) : std::nullopt;
-}
+inline constexpr StoredValueType storedValueType{
+    .read = UserDefaultsRepresentation<Value>::readStoredValue,
+    .areEqual = [](const std::optional<DefaultsValue>& a, const std::optional<DefaultsValue>& b) {
+        return UserDefaultsRepresentation<Value>::fromStored(a) == UserDefaultsRepresentation<Value>::fromStored(b);
+    }};
 
 /// A preference: the name of its entry, its type, and what it is when nothing is stored.
 template <class Key>

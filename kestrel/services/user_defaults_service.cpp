@@ -17,16 +17,16 @@ DefaultsWritten UserDefaultsService::remove(std::string_view name) {
 }
 
 AnyPublisher<std::optional<DefaultsValue>> UserDefaultsService::observeStored(std::string_view name,
-                                                                              StoredValueReader reader) {
+                                                                              StoredValueType type) {
     using Stored = std::optional<DefaultsValue>;
-    const auto read = [store = userDefaults_, key = std::string(name), reader] { return reader(key, *store); };
+    const auto read = [store = userDefaults_, key = std::string(name), type] { return type.read(key, *store); };
     // The value at the start is what the first change is compared with; nobody is given it.
     return deferred([read] { return just<Stored>(read()); })
         .append(NotificationCenter::standard()
                     .notifications(userDefaultsDidChangeNotification, userDefaults_.get())
                     .map([read](const Notification&) { return read(); })
-                    .removeDuplicates())
-        .removeDuplicates()
+                    .removeDuplicates(type.areEqual))
+        .removeDuplicates(type.areEqual)
         .dropFirst();
 }
 

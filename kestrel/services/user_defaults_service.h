@@ -1,5 +1,6 @@
 #pragma once
 
+#include <kestrel/foundation/required.h>
 #include <kestrel/services/system_user_defaults_service.h>
 #include <memory>
 #include <utility>
@@ -9,7 +10,8 @@ namespace kestrel {
 /// The preferences in a store.
 class UserDefaultsService final : public SystemUserDefaultsService {
   public:
-    explicit UserDefaultsService(std::shared_ptr<UserDefaultsStore> store) : userDefaults_(std::move(store)) {}
+    explicit UserDefaultsService(std::shared_ptr<UserDefaultsStore> store)
+        : userDefaults_(required(std::move(store), "The store of user defaults")) {}
 
     [[nodiscard]] const std::shared_ptr<UserDefaultsStore>& userDefaults() const noexcept { return userDefaults_; }
 
@@ -19,7 +21,7 @@ class UserDefaultsService final : public SystemUserDefaultsService {
     DefaultsWritten remove(std::string_view name) override;
     /// Values come on the thread on which the store was changed.
     [[nodiscard]] AnyPublisher<std::optional<DefaultsValue>> observeStored(std::string_view name,
-                                                                           StoredValueReader reader) override;
+                                                                           StoredValueType type) override;
 
   private:
     std::shared_ptr<UserDefaultsStore> userDefaults_;

@@ -3,17 +3,22 @@
 #include <kestrel/platform/reachability.h>
 #include <kestrel/platform/user_notification_center.h>
 #include <kestrel/platform/workspace.h>
+#include <kestrel/reactive/scheduler.h>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-// Stand-ins for the parts of a desktop, for tests: each does what its members say and keeps what it was asked.
+// Stand-ins for the parts of a desktop, for tests: each does what its members say and keeps what it was asked. What
+// calls back does so later, as the real ones do: when the queue that it was given runs.
 namespace kestrel {
 
 class FakeWorkspace final : public Workspace {
   public:
+    explicit FakeWorkspace(std::shared_ptr<Scheduler> queue) : queue_(std::move(queue)) {}
+
     /// The applications for URLs of a scheme, the preferred one first.
     std::map<std::string, std::vector<std::string>, std::less<>> handlers{};
     /// What opening reports.
@@ -26,8 +31,11 @@ class FakeWorkspace final : public Workspace {
     }
     void open(const URL& url, CompletionHandler completionHandler) override {
         opened.push_back(url);
-        completionHandler(error);
+        queue_->schedule([reported = error, handler = std::move(completionHandler)]() mutable { handler(reported); });
     }
+
+  private:
+    std::shared_ptr<Scheduler> queue_;
 };
 
 class FakeMapApplication final : public MapApplication {
@@ -43,18 +51,27 @@ class FakeMapApplication final : public MapApplication {
 
 class FakeUserNotificationCenter final : public UserNotificationCenter {
   public:
+    explicit FakeUserNotificationCenter(std::shared_ptr<Scheduler> queue) : queue_(std::move(queue)) {}
+
     NotificationSettings settings{};
     /// What the user says when asked, and what is reported beside it.
     bool isGranted = true;
     std::optional<PlatformError> error{};
     std::vector<NotificationAuthorizationOptions> requests{};
 
-    void getNotificationSettings(SettingsHandler completionHandler) override { completionHandler(settings); }
+    void getNotificationSettings(SettingsHandler completionHandler) override {
+        queue_->schedule([known = settings, handler = std::move(completionHandler)]() mutable { handler(known); });
+    }
     void requestAuthorization(NotificationAuthorizationOptions options,
                               AuthorizationHandler completionHandler) override {
         requests.push_back(options);
-        completionHandler(isGranted, error);
+        queue_->schedule([granted = isGranted, reported = error, handler = std::move(completionHandler)]() mutable {
+            handler(granted, reported);
+        });
     }
+
+  private:
+    std::shared_ptr<Scheduler> queue_;
 };
 
 class FakeReachability final : public ReachabilityProtocol {

@@ -5,7 +5,7 @@
 
 namespace kestrel {
 
-/// A ActivityService that answers as a test prepares it, and keeps what it is asked.
+/// An ActivityService that answers as a test prepares it, and keeps what it is asked.
 class RecordingActivityService final : public ActivityService {
   public:
     struct Stubs {

@@ -5,7 +5,7 @@
 
 namespace kestrel {
 
-/// A AlertService that answers as a test prepares it, and keeps what it is asked.
+/// An AlertService that answers as a test prepares it, and keeps what it is asked.
 class RecordingAlertService final : public AlertService {
   public:
     struct Stubs {

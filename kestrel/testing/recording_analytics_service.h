@@ -5,7 +5,7 @@
 
 namespace kestrel {
 
-/// A AnalyticsService that answers as a test prepares it, and keeps what it is asked.
+/// An AnalyticsService that answers as a test prepares it, and keeps what it is asked.
 class RecordingAnalyticsService final : public AnalyticsService {
   public:
     struct Stubs {

@@ -5,7 +5,7 @@
 
 namespace kestrel {
 
-/// A EmailsService that answers as a test prepares it, and keeps what it is asked.
+/// An EmailsService that answers as a test prepares it, and keeps what it is asked.
 class RecordingEmailsService final : public EmailsService {
   public:
     struct Stubs {

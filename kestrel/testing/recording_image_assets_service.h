@@ -5,7 +5,7 @@
 
 namespace kestrel {
 
-/// A ImageAssetsService that answers as a test prepares it, and keeps what it is asked.
+/// An ImageAssetsService that answers as a test prepares it, and keeps what it is asked.
 class RecordingImageAssetsService final : public ImageAssetsService {
   public:
     struct Stubs {

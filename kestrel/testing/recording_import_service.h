@@ -6,7 +6,7 @@
 
 namespace kestrel {
 
-/// A ImportService that answers as a test prepares it, and keeps what it is asked.
+/// An ImportService that answers as a test prepares it, and keeps what it is asked.
 class RecordingImportService final : public ImportService {
   public:
     struct Stubs {

@@ -5,7 +5,7 @@
 
 namespace kestrel {
 
-/// A OnDemandService that answers as a test prepares it, and keeps what it is asked.
+/// An OnDemandService that answers as a test prepares it, and keeps what it is asked.
 class RecordingOnDemandService final : public OnDemandService {
   public:
     struct Stubs {

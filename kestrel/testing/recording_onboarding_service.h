@@ -6,7 +6,7 @@
 
 namespace kestrel {
 
-/// A OnboardingService that answers as a test prepares it, and keeps what it is asked.
+/// An OnboardingService that answers as a test prepares it, and keeps what it is asked.
 class RecordingOnboardingService final : public OnboardingService {
   public:
     struct Stubs {

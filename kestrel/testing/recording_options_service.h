@@ -6,7 +6,7 @@
 
 namespace kestrel {
 
-/// A OptionsService that answers as a test prepares it, and keeps what it is asked.
+/// An OptionsService that answers as a test prepares it, and keeps what it is asked.
 class RecordingOptionsService final : public OptionsService {
   public:
     struct Stubs {

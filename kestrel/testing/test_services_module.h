@@ -21,9 +21,9 @@ struct TestServicesModule {
     std::string moduleName = "TestServices";
     std::shared_ptr<VirtualMainQueue> mainQueue = std::make_shared<VirtualMainQueue>();
     std::shared_ptr<InMemoryUserDefaults> userDefaults = std::make_shared<InMemoryUserDefaults>();
-    std::shared_ptr<FakeWorkspace> workspace = std::make_shared<FakeWorkspace>();
+    std::shared_ptr<FakeWorkspace> workspace = std::make_shared<FakeWorkspace>(mainQueue);
     std::shared_ptr<FakeMapApplication> maps = std::make_shared<FakeMapApplication>();
-    std::shared_ptr<FakeUserNotificationCenter> notifications = std::make_shared<FakeUserNotificationCenter>();
+    std::shared_ptr<FakeUserNotificationCenter> notifications = std::make_shared<FakeUserNotificationCenter>(mainQueue);
     std::shared_ptr<FakeReachability> network = std::make_shared<FakeReachability>();
     FakeGeocoding geocoding{};
 

@@ -6,8 +6,13 @@
 #include <kestrel/calendar/timeblock.h>
 #include <kestrel/details/electronic_address.h>
 #include <kestrel/invitations/invitation_enumerations.h>
+#include <kestrel/platform/notification_settings.h>
 #include <kestrel/records/contact_priority.h>
 #include <kestrel/relationships/role_type.h>
+#include <kestrel/services/onboarding_preferences.h>
+#include <kestrel/services/reachability_service.h>
+#include <kestrel/services/system_clock_service.h>
+#include <kestrel/session/on_demand.h>
 
 #include <cstdint>
 #include <set>
@@ -92,6 +97,25 @@ TEST(Enumerations, haveTheStoresRawValues) {
                                {5, "daysAfter"},
                                {6, "onDateTime"},
                                {7, "taskSameDay"}});
+    expectCases<ReachabilityStatus>({{0, "notReachable"}, {1, "reachableViaWiFi"}, {2, "reachableViaWWAN"}});
+    expectCases<ClockInterval>({{0, "topOfTheMinute"}, {1, "topOfTheHour"}});
+    expectCases<UserDefaultHasMac>({{0, "unknown"}, {1, "yes"}, {2, "no"}});
+    expectCases<UserDefaultGetStartedBanner>(
+        {{0, "unknown"}, {1, "show"}, {2, "hide"}, {3, "showWithoutAutomaticHiding"}});
+    expectCases<UserDefaultGetStartedSheetOnFirstLogin>({{0, "unknown"}, {1, "show"}, {2, "hide"}});
+    expectCases<NotificationAuthorizationStatus>(
+        {{0, "notDetermined"}, {1, "denied"}, {2, "authorized"}, {3, "provisional"}, {4, "ephemeral"}});
+    expectCases<NotificationSetting>({{0, "notSupported"}, {1, "disabled"}, {2, "enabled"}});
+    expectCases<NotificationAlertStyle>({{0, "none"}, {1, "banner"}, {2, "alert"}});
+    expectCases<NotificationShowPreviewsSetting>({{0, "always"}, {1, "whenAuthenticated"}, {2, "never"}});
+    expectCases<OnDemandFreshness>({{0, "fresh"}, {1, "stale"}});
+    expectCases<OnDemandError>({{0, "serverUnreachable"},
+                                {1, "noContentAvailable"},
+                                {2, "noInternet"},
+                                {3, "client"},
+                                {4, "server"},
+                                {5, "unexpected"},
+                                {6, "objectNotFound"}});
     expectCases<EmailDMIStatus>({{0, "none"}, {10, "legacy"}, {20, "draft"}});
     expectCases<RoleTypeAppliesTo>({{0, "contact"}, {1, "organization"}});
     expectCases<ContactPriority>({{0, "inactive"},

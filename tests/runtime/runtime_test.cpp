@@ -94,10 +94,10 @@ TEST(Runtime, isBuiltFromModulesInTheirOrder) {
 class ShoutedOptions final : public Forwarding<OptionsService> {
   public:
     explicit ShoutedOptions(std::shared_ptr<OptionsService> options) : options_(std::move(options)) {}
-    [[nodiscard]] OptionsService& target() const override { return *options_; }
+    [[nodiscard]] std::shared_ptr<OptionsService> target() const override { return options_; }
     AnyPublisher<DatabasePreference, UpdateError> storeOption(std::string name,
                                                               std::optional<std::string> value) override {
-        return target().storeOption(name + "!", std::move(value));
+        return target()->storeOption(name + "!", std::move(value));
     }
 
   private:

@@ -1,0 +1,217 @@
+#include <gtest/gtest.h>
+#include <kestrel/reactive/first_value.h>
+#include <kestrel/reactive/pass_through_subject.h>
+#include <kestrel/reactive/replay_subject.h>
+
+#include <atomic>
+#include <memory>
+#include <new>
+#include <optional>
+#include <thread>
+#include <vector>
+
+#include "probe.h"
+
+// What subscribers may do at any moment: let everything go, ask, end, throw, and come from several threads.
+namespace {
+
+using namespace kestrel;
+using Numbers = std::vector<int>;
+
+TEST(ASubscriber, mayLetGoOfTheSubjectInsideADelivery) {
+    auto replay = std::make_unique<ReplaySubject<int>>(3);
+    Numbers values;
+    AnyCancellable first = replay->eraseToAnyPublisher().sink([&](int value) {
+        values.push_back(value);
+        first.cancel();
+        replay.reset();
+    });
+    const auto second = replay->eraseToAnyPublisher().sink([&](int value) { values.push_back(-value); });
+    replay->send(1);
+    EXPECT_EQ(values, (Numbers{1, -1}));
+
+    auto through = std::make_unique<PassThroughSubject<int>>();
+    const auto third = std::make_shared<Probe<int>>();
+    third->onValue = [&](int) {
+        third->subscription->cancel();
+        third->subscription.reset();
+        through.reset();
+        return Demand(1);
+    };
+    through->subscribe(third);
+    through->send(1);
+    EXPECT_EQ(third->values, Numbers{1});
+}
+
+TEST(ASubscriber, mayLetGoOfItsSubscriptionInsideADeliveryThatItAskedFor) {
+    const auto subscriber = std::make_shared<Probe<int>>(Demand::none());
+    create<int>([](const Emitter<int, Never>& emitter) {
+        emitter.send(1);
+        emitter.send(2);
+        return AnyCancellable();
+    }).subscribe(subscriber);
+    subscriber->onValue = [&](int) {
+        subscriber->subscription->cancel();
+        subscriber->subscription.reset();
+        return Demand(1);
+    };
+    subscriber->request(Demand(1));
+    EXPECT_EQ(subscriber->values, Numbers{1});
+}
+
+TEST(ASubscriber, getsTheRestWhenAPublisherEndsInsideADelivery) {
+    const PassThroughSubject<int> subject;
+    const auto subscriber = std::make_shared<Probe<int>>(Demand(1));
+    subscriber->onValue = [&](int value) {
+        if (value == 1) subject.finish();
+        return Demand(1);
+    };
+    subject.eraseToAnyPublisher().append(just(2)).subscribe(subscriber);
+    subject.send(1);
+    EXPECT_EQ(subscriber->values, (Numbers{1, 2}));
+    EXPECT_EQ(subscriber->completions.size(), 1U);
+    EXPECT_EQ(subscriber->faults, std::vector<std::string>());
+}
+
+TEST(ASubscriber, whoThrowsStopsNothingElse) {
+    const ReplaySubject<int> replay(2);
+    std::optional<Emitter<int, Never>> emitter;
+    int emitted = 0;
+    int replayed = 0;
+    const auto source = create<int>([&](const Emitter<int, Never>& given) {
+        emitter = given;
+        return AnyCancellable();
+    });
+    const auto throwingAtFirst = [](int& last) {
+        return [&last](int value) {
+            last = value;
+            if (value == 1) throw std::bad_alloc();
+        };
+    };
+    const auto first = source.sink(throwingAtFirst(emitted));
+    const auto second = replay.eraseToAnyPublisher().sink(throwingAtFirst(replayed));
+    EXPECT_THROW(emitter->send(1), std::bad_alloc);
+    EXPECT_THROW(replay.send(1), std::bad_alloc);
+    emitter->send(2);
+    replay.send(2);
+    EXPECT_EQ(emitted, 2);
+    EXPECT_EQ(replayed, 2);
+    for (int i = 0; i < 100; ++i)
+        (void)replay.eraseToAnyPublisher().sink([](int) {});
+    EXPECT_EQ(replay.subscriptionCount(), 1U);
+}
+
+TEST(ASubscriber, isCalledByOneThreadAtATimeAndNotAfterTheEnd) {
+    class Watchful final : public Subscriber<int, Never> {
+      public:
+        void receive(std::shared_ptr<Subscription> subscription) override {
+            const Inside inside(*this);
+            hasSubscription = true;
+            subscription->request(Demand::unlimited());
+        }
+        Demand receive(const int& /*value*/) override {
+            const Inside inside(*this);
+            if (!hasSubscription || hasEnded) ++faults;
+            std::this_thread::yield();
+            return Demand::none();
+        }
+        void receive(Completion<Never> /*completion*/) override {
+            const Inside inside(*this);
+            if (!hasSubscription || hasEnded) ++faults;
+            hasEnded = true;
+        }
+        // Plain, so that a sanitizer sees who is not ordered.
+        bool hasSubscription = false;
+        bool hasEnded = false;
+        std::atomic<int> faults = 0;
+
+      private:
+        struct Inside {
+            explicit Inside(Watchful& watchful) : own(watchful) {
+                if (own.callers++ > 0) ++own.faults;
+            }
+            ~Inside() { --own.callers; }
+            Inside(const Inside&) = delete;
+            Inside& operator=(const Inside&) = delete;
+            Watchful& own;
+        };
+        std::atomic<int> callers = 0;
+    };
+    for (int round = 0; round < 200; ++round) {
+        const PassThroughSubject<int> subject;
+        std::vector<std::shared_ptr<Watchful>> subscribers;
+        for (int i = 0; i < 4; ++i)
+            subscribers.push_back(std::make_shared<Watchful>());
+        subject.subscribe(subscribers[0]);
+        {
+            std::vector<std::jthread> threads;
+            for (int sender = 0; sender < 3; ++sender) {
+                threads.emplace_back([subject] {
+                    for (int value = 0; value < 20; ++value)
+                        subject.send(value);
+                });
+            }
+            threads.emplace_back([subject, subscribers] {
+                for (std::size_t i = 1; i < subscribers.size(); ++i)
+                    subject.subscribe(subscribers[i]);
+            });
+            threads.emplace_back([subject] { subject.finish(); });
+        }
+        for (const auto& each : subscribers) {
+            ASSERT_EQ(each->faults, 0);
+            ASSERT_TRUE(each->hasEnded);
+        }
+    }
+}
+
+TEST(ASubscriber, mayBeOneOfVeryMany) {
+    const ReplaySubject<int> replay(1);
+    const PassThroughSubject<int> through;
+    std::vector<AnyCancellable> all;
+    for (int i = 0; i < 50'000; ++i) {
+        all.push_back(replay.eraseToAnyPublisher().sink([](int) {}));
+        all.push_back(through.eraseToAnyPublisher().sink([](int) {}));
+    }
+    // Quadratic work would take minutes here.
+    all.clear();
+    EXPECT_EQ(replay.subscriptionCount(), 0U);
+    EXPECT_EQ(through.subscriberCount(), 0U);
+}
+
+TEST(ACoroutine, awaitsTheEndOfAPublisherThatOnlyEnds) {
+    std::vector<int> ends;
+    const auto wait = [&](AnyPublisher<Never, int> publisher) -> DetachedCoroutine {
+        const std::expected<void, int> ended = co_await publisher;
+        ends.push_back(ended ? 0 : ended.error());
+    };
+    wait(empty<Never, int>());
+    wait(fail<Never>(7));
+    const PassThroughSubject<Never, int> subject;
+    wait(subject.eraseToAnyPublisher());
+    EXPECT_EQ(ends, (Numbers{0, 7}));
+    subject.finish();
+    EXPECT_EQ(ends, (Numbers{0, 7, 0}));
+
+    int told = 0;
+    const auto listening = fail<Never>(3).sink([&](const Completion<int>& end) { told = end.failure().value(); });
+    EXPECT_EQ(told, 3);
+}
+
+TEST(ATimer, losesWhatNobodyAsksFor) {
+    std::optional<Emitter<int, Never>> emitter;
+    const auto subscriber = std::make_shared<Probe<int>>(Demand(1));
+    createUnbuffered<int>([&](const Emitter<int, Never>& given) {
+        emitter = given;
+        return AnyCancellable();
+    }).subscribe(subscriber);
+    for (const int value : {1, 2, 3})
+        emitter->send(value);
+    subscriber->request(Demand(1));
+    EXPECT_EQ(subscriber->values, Numbers{1});
+    emitter->send(4);
+    emitter->finish();
+    EXPECT_EQ(subscriber->values, (Numbers{1, 4}));
+    EXPECT_EQ(subscriber->completions.size(), 1U);
+}
+
+}  // namespace
