@@ -1,7 +1,7 @@
 #include <fmt/format.h>
 #include <host/board/board_options.h>
+#include <host/board/board_query.h>
 #include <host/failure.h>
-#include <host/store/record_table.h>
 #include <host/terminal/file.h>
 #include <host/terminal/text.h>
 #include <kestrel/coding/json.h>
@@ -117,31 +117,7 @@ PipelineBoardSortDescriptor sortNamed(std::string_view text) {
     return {*key, order};
 }
 
-template <class Record>
-std::vector<Record> living(SQLite::Database& database) {
-    std::vector<Record> records = RecordTable<Record>(database).all();
-    std::erase_if(records, [](const Record& record) { return record.deletionDate.has_value(); });
-    return records;
-}
-
-/// The template that boards show when nobody has chosen one.
-const PipelineDefinition* usualDefinition(const BoardLists& lists) {
-    const auto found = std::ranges::find_if(lists.definitions, [](const PipelineDefinition& definition) {
-        return definition.active != 0 && definition.forOpportunity != 0;
-    });
-    return found == lists.definitions.end() ? nullptr : &*found;
-}
-
 }  // namespace
-
-BoardLists::BoardLists(SQLite::Database& database)
-    : directory(database),
-      categories(living<Category>(database)),
-      types(living<OpportunityType>(database)),
-      keywords(living<Keyword>(database)),
-      definitions(living<PipelineDefinition>(database)),
-      // Deleted stages show while deals are in them.
-      stageDefinitions(RecordTable<PipelineStageDefinition>(database).all()) {}
 
 std::vector<std::string> filterKeyNames() {
     std::vector<std::string> names;
@@ -158,8 +134,8 @@ std::vector<std::string> sortKeyNames() {
 
 BoardView boardView(const BoardLists& lists, const std::optional<OpportunityBoardConfig>& saved,
                     std::span<const std::string> filters, const std::optional<std::string>& sort) {
-    const PipelineDefinition* usual = usualDefinition(lists);
-    if (usual == nullptr) throw Failure("there is no active pipeline of opportunities to show");
+    const PipelineDefinition* usual = usualDefinition(lists.definitions);
+    if (usual == nullptr) throw Refusal(noPipelineText(BoardKind::opportunities));
     BoardView view{.filter{.pipelineDefinitionID = usual->objectID()},
                    .sort = PipelineBoardSortDescriptor::opportunityDefault()};
     if (saved) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <SQLiteCpp/Database.h>
 #include <host/store/directory.h>
 #include <kestrel/boards/board_config.h>
 #include <kestrel/boards/board_filter.h>
@@ -21,16 +20,14 @@
 /// as a file remembers them.
 namespace kestrel::host {
 
-/// The lists that filters refer to.
+/// The lists that filters refer to, each in the order of its keys.
 struct BoardLists {
     Directory directory;
-    std::vector<Category> categories;
-    std::vector<OpportunityType> types;
-    std::vector<Keyword> keywords;
-    std::vector<PipelineDefinition> definitions;
-    std::vector<PipelineStageDefinition> stageDefinitions;
-
-    explicit BoardLists(SQLite::Database& database);
+    std::vector<Category> categories{};
+    std::vector<OpportunityType> types{};
+    std::vector<Keyword> keywords{};
+    /// Of opportunities.
+    std::vector<PipelineDefinition> definitions{};
 };
 
 struct BoardView {

@@ -133,16 +133,17 @@ void Upcoming::merge(const Upcoming& other) {
     takeEarlier(appointment, other.appointment);
 }
 
-DealLinks::DealLinks(SQLite::Database& database, const PermissionChecker& checker, const CalendarMoment& at) {
+DealLinks::DealLinks(SQLite::Database& database, const PermissionChecker& checker, const CalendarMoment& at,
+                     std::string_view entity) {
     UpcomingItems items(database, checker, at);
     const auto ofPeople = items.of(Contact::entityName);
-    ofOpportunities_ = std::move(items.of(Opportunity::entityName));
+    ofDeals_ = std::move(items.of(entity));
     ofCompanies_ = std::move(items.of(Company::entityName));
     People people(database, checker);
     RecordTable<AnyRole> roles(database);
     std::set<std::pair<std::int64_t, std::int64_t>> named;
     forEachRole(database, [&](const RoleEnds& ends) {
-        const bool isOnDeal = ends.destinationEntity == Opportunity::entityName;
+        const bool isOnDeal = ends.destinationEntity == entity;
         if (!isOnDeal && ends.destinationEntity != Company::entityName) return;
         const auto next = ofPeople.find(ends.contact);
         // Nothing of the other roles shows.
@@ -157,22 +158,22 @@ DealLinks::DealLinks(SQLite::Database& database, const PermissionChecker& checke
             if (!names.empty()) names += ", ";
             names += *name;
         }
-        if (next != ofPeople.end()) (isOnDeal ? ofOpportunities_ : ofCompanies_)[ends.destination].merge(next->second);
+        if (next != ofPeople.end()) (isOnDeal ? ofDeals_ : ofCompanies_)[ends.destination].merge(next->second);
     });
 }
 
-std::string DealLinks::peopleOn(std::int64_t opportunity) const {
-    const auto found = people_.find(opportunity);
+std::string DealLinks::peopleOn(std::int64_t deal) const {
+    const auto found = people_.find(deal);
     return found != people_.end() ? found->second : "";
 }
 
-Upcoming DealLinks::upcomingOf(std::int64_t opportunity, const std::vector<std::int64_t>& companies) const {
+Upcoming DealLinks::upcomingOf(std::int64_t deal, const std::vector<std::int64_t>& companies) const {
     Upcoming upcoming;
     const auto merge = [&](const ByKey& known, std::int64_t key) {
         if (known.empty()) return;
         if (const auto found = known.find(key); found != known.end()) upcoming.merge(found->second);
     };
-    merge(ofOpportunities_, opportunity);
+    merge(ofDeals_, deal);
     for (const std::int64_t company : companies)
         merge(ofCompanies_, company);
     return upcoming;

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -38,26 +39,27 @@ struct Upcoming {
     void merge(const Upcoming& other);
 };
 
-/// What is linked to the opportunities of a board beyond what stands in them: the people and what comes next. All of it
-/// is gathered at once, in one pass over the links and without a query for each card; where there are neither people
-/// nor anything to come, that costs next to nothing.
+/// What is linked to the opportunities or projects of a board beyond what stands in them: the people and what comes
+/// next. All of it is gathered at once, in one pass over the links and without a query for each card; where there are
+/// neither people nor anything to come, that costs next to nothing.
 ///
 /// Tasks count that are neither done nor cancelled and due on the day of the moment or later, and appointments that are
 /// not cancelled and start then. What is deleted or not to be read by the user does not count, nor do such people.
 class DealLinks {
   public:
-    DealLinks(SQLite::Database& database, const PermissionChecker& checker, const CalendarMoment& at);
+    /// `entity` is that of the deals: opportunities or projects.
+    DealLinks(SQLite::Database& database, const PermissionChecker& checker, const CalendarMoment& at,
+              std::string_view entity);
 
-    /// The names of the contacts with a role on the opportunity, in the order of the roles, ready to show.
-    [[nodiscard]] std::string peopleOn(std::int64_t opportunity) const;
-    /// What comes next for the opportunity, for its companies, and for the people with a role on the one or at the
-    /// others.
-    [[nodiscard]] Upcoming upcomingOf(std::int64_t opportunity, const std::vector<std::int64_t>& companies) const;
+    /// The names of the contacts with a role on the deal, in the order of the roles, ready to show.
+    [[nodiscard]] std::string peopleOn(std::int64_t deal) const;
+    /// What comes next for the deal, for its companies, and for the people with a role on the one or at the others.
+    [[nodiscard]] Upcoming upcomingOf(std::int64_t deal, const std::vector<std::int64_t>& companies) const;
 
   private:
     using ByKey = std::unordered_map<std::int64_t, Upcoming>;
 
-    ByKey ofOpportunities_;
+    ByKey ofDeals_;
     ByKey ofCompanies_;
     std::unordered_map<std::int64_t, std::string> people_;
 };

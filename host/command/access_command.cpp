@@ -1,11 +1,11 @@
 #include <fmt/format.h>
 #include <host/command/access_command.h>
-#include <host/store/directory.h>
+#include <host/services/host_runtime.h>
+#include <host/services/records_service.h>
+#include <host/services/value_of.h>
 #include <host/store/find_record.h>
-#include <host/store/store.h>
 #include <host/terminal/json_object.h>
 #include <host/terminal/text.h>
-#include <kestrel/access/permission_checker.h>
 
 #include <array>
 #include <string>
@@ -31,16 +31,15 @@ struct Verdict {
     std::array<Action, 3> actions;
 };
 
-Verdict verdictOn(const std::string& record, const Permissions& permissions, const User& user,
-                  const PermissionChecker& checker) {
-    const TeamIDs& readers = permissions.readPermissions.teamIDs;
-    const TeamIDs& writers = permissions.writePermissions.teamIDs;
+Verdict verdictOf(const std::string& record, const RecordAccess& access) {
+    const TeamIDs& readers = access.permissions.readPermissions.teamIDs;
+    const TeamIDs& writers = access.permissions.writePermissions.teamIDs;
     return {.record = record,
-            .userName = shownName(user),
-            .visibility = checker.visibility(permissions).localizedDisplayName(),
-            .actions = {{{"read", "read it", checker.decideRead(permissions), readers},
-                         {"update", "change it", checker.decideUpdate(permissions), writers},
-                         {"delete", "delete it", checker.decideDelete(permissions), writers}}}};
+            .userName = shownName(access.user),
+            .visibility = access.visibility,
+            .actions = {{{"read", "read it", access.read, readers},
+                         {"update", "change it", access.update, writers},
+                         {"delete", "delete it", access.deletion, writers}}}};
 }
 
 /// "the team Central", "the teams Central and Moses Frase".
@@ -111,21 +110,13 @@ std::string verdictJSON(const Verdict& verdict, const User& user, const Director
 
 void accessCommand(const AccessOptions& options, Output& output, const Terminal& terminal) {
     const AnyObjectID id = identifierOf(options.record);
-    withDatabase(options.database, [&] {
-        ReadingStore store(options.database);
-        const Directory directory(store.database());
-        const User& user = directory.user(options.user);
-        visitRecord(store.database(), id, [&]<class Record>(const Record& record) {
-            if constexpr (AuthorizedAccess<Record>) {
-                const Verdict verdict =
-                    verdictOn(id.stringValue(), record.permissions, user, directory.checkerFor(user));
-                if (!options.isJSON) return output.write(verdictText(verdict, user, directory));
-                writeJSONLine(verdictJSON(verdict, user, directory), output, terminal);
-            } else {
-                throw Failure(id.stringValue() + " is under no access control");
-            }
-        });
-    });
+    Runtime runtime = makeHostRuntime(options.database, options.user);
+    RecordsService& records = runtime[host_services::records];
+    const RecordAccess access = valueOf(records.decideAccess(id), id);
+    const Directory directory = valueOf(records.fetchDirectory());
+    const Verdict verdict = verdictOf(id.stringValue(), access);
+    if (!options.isJSON) return output.write(verdictText(verdict, access.user, directory));
+    writeJSONLine(verdictJSON(verdict, access.user, directory), output, terminal);
 }
 
 }  // namespace kestrel::host

@@ -3,33 +3,20 @@
 #include <host/activity/activity_rendering.h>
 #include <host/board/board_options.h>
 #include <host/command/activity_command.h>
-#include <host/contact/contact_names.h>
+#include <host/services/host_runtime.h>
+#include <host/services/records_service.h>
+#include <host/services/value_of.h>
 #include <host/store/find_record.h>
-#include <host/store/store.h>
 #include <host/terminal/day_text.h>
 #include <host/terminal/text.h>
+#include <kestrel/services/activity_service.h>
+
+#include <utility>
 
 namespace kestrel::host {
 namespace {
 
 constexpr std::size_t usualLimit = 20;
-
-/// What a record is called, with its identifier: "Ada Lovelace (Contact/12)".
-template <class Record>
-std::string titleOf(const Record& record) {
-    const std::string id = record.objectID().stringValue();
-    std::optional<std::string> name;
-    if constexpr (std::is_same_v<Record, Contact>) {
-        name = shownName(record);
-    } else if constexpr (requires { record.subject; }) {
-        name = textIn(record.subject);
-    } else if constexpr (requires { record.title; }) {
-        name = textIn(record.title);
-    } else {
-        name = textIn(record.name);
-    }
-    return !name || *name == id ? id : fmt::format("{} ({})", *name, id);
-}
 
 }  // namespace
 
@@ -40,20 +27,17 @@ void activityCommand(const ActivityOptions& options, Output& output, const Termi
         throw WrongUsage(fmt::format("there is no activity of {}; there is of: {}", id.stringValue(),
                                      listed(activitySourceEntities())));
     }
-    const ActivityPicture picture = withDatabase(options.database, [&] {
-        ReadingStore store(options.database);
-        const Directory directory(store.database());
-        const User& user = directory.user(options.user);
-        ReadableRecords records(store.database(), directory, user);
-        CalendarMoment at{.calendar = calendarOf(user), .now = Date::now()};
-        if (options.at) at.now = momentOf(*options.at, at.calendar);
-        ActivitySummary summary = activityOf(records, *source, at, options.limit.value_or(usualLimit));
-        return ActivityPicture{
-            .summary = std::move(summary),
-            .title = source->match([&](const auto& sourceID) { return titleOf(records.required(sourceID)); }),
-            .userName = shownName(user),
-            .at = at};
-    });
+    Runtime runtime = makeHostRuntime(options.database, options.user);
+    RecordsService& records = runtime[host_services::records];
+    const User user = valueOf(records.fetchUser());
+    CalendarMoment at{.calendar = calendarOf(user), .now = Date::now()};
+    if (options.at) at.now = momentOf(*options.at, at.calendar);
+    ActivitySummary summary =
+        valueOf(runtime[services::activity].fetchActivity(*source, at, options.limit.value_or(usualLimit)), id);
+    const ActivityPicture picture{.summary = std::move(summary),
+                                  .title = valueOf(records.fetchTitle(id), id),
+                                  .userName = shownName(user),
+                                  .at = at};
     if (options.isJSON) return writeJSONLine(activityJSON(picture.summary), output, terminal);
     output.write(rendered(picture, terminal));
 }

@@ -1,11 +1,14 @@
 #include <fmt/format.h>
 #include <host/board/board_options.h>
-#include <host/board/board_query.h>
 #include <host/board/board_rendering.h>
 #include <host/command/board_command.h>
-#include <host/store/store.h>
+#include <host/services/host_runtime.h>
+#include <host/services/records_service.h>
+#include <host/services/value_of.h>
 #include <host/terminal/json_object.h>
 #include <host/terminal/text.h>
+#include <kestrel/services/pipeline_board_filter_service.h>
+#include <kestrel/services/pipeline_board_service.h>
 
 #include <algorithm>
 #include <utility>
@@ -24,24 +27,38 @@ BoardData limited(BoardData board, std::size_t limit) {
     return board;
 }
 
+template <class Record>
+std::vector<Record> byKey(std::vector<Record> records) {
+    std::ranges::sort(records, {}, &Record::objectID);
+    return records;
+}
+
+BoardLists listsOf(Runtime& runtime) {
+    PipelineBoardFilterService& filters = runtime[ServiceKey<PipelineBoardFilterService>{}];
+    return {.directory = valueOf(runtime[host_services::records].fetchDirectory()),
+            .categories = byKey(valueOf(filters.fetchCategories())),
+            .types = byKey(valueOf(filters.fetchOpportunityTypes())),
+            .keywords = byKey(valueOf(filters.fetchKeywords())),
+            .definitions = byKey(valueOf(runtime[services::pipelineBoard].fetchPipelines(BoardKind::opportunities)))};
+}
+
 BoardPicture pictureOf(const BoardOptions& options) {
-    return withDatabase(options.database, [&] {
-        ReadingStore store(options.database);
-        const BoardLists lists(store.database());
-        const User& user = lists.directory.user(options.user);
-        BoardPicture picture{.userName = shownName(user), .limit = options.limit.value_or(usualLimit)};
-        if (options.at) picture.at.now = momentOf(*options.at, picture.at.calendar);
-        const auto saved = options.config ? readBoardConfig(*options.config) : std::nullopt;
-        const BoardView view = boardView(lists, saved, options.filters, options.sort);
-        picture.board = boardOf(store.database(), lists, lists.directory.checkerFor(user), view, picture.at);
-        const auto definition =
-            std::ranges::find(lists.definitions, view.filter.pipelineDefinitionID, &PipelineDefinition::objectID);
-        picture.pipelineName = definition->name.value_or(definition->objectID().stringValue());
-        picture.filterText = filterText(lists, view);
-        picture.sortText = fmt::format("{}, {}", localizedName(view.sort.key), localizedName(view.sort.order));
-        if (options.config) writeBoardConfig(*options.config, configOf(view));
-        return picture;
-    });
+    Runtime runtime = makeHostRuntime(options.database, options.user);
+    const User user = valueOf(runtime[host_services::records].fetchUser());
+    BoardPicture picture{.userName = shownName(user), .limit = options.limit.value_or(usualLimit)};
+    if (options.at) picture.at.now = momentOf(*options.at, picture.at.calendar);
+    const auto saved = options.config ? readBoardConfig(*options.config) : std::nullopt;
+    const BoardLists lists = listsOf(runtime);
+    const BoardView view = boardView(lists, saved, options.filters, options.sort);
+    picture.board = valueOf(
+        runtime[services::pipelineBoard].fetchBoard(BoardConfig::opportunity(view.filter, view.sort), picture.at));
+    const auto definition =
+        std::ranges::find(lists.definitions, view.filter.pipelineDefinitionID, &PipelineDefinition::objectID);
+    picture.pipelineName = definition->name.value_or(definition->objectID().stringValue());
+    picture.filterText = valueOf(runtime[ServiceKey<PipelineBoardFilterService>{}].describeFilter(view.filter));
+    picture.sortText = fmt::format("{}, {}", localizedName(view.sort.key), localizedName(view.sort.order));
+    if (options.config) writeBoardConfig(*options.config, configOf(view));
+    return picture;
 }
 
 }  // namespace

@@ -7,12 +7,18 @@
 #include <host/command/contact_command.h>
 #include <host/command/contacts_command.h>
 #include <host/command/decode_command.h>
+#include <host/command/defaults_command.h>
+#include <host/command/doctor_command.h>
+#include <host/command/geocode_command.h>
 #include <host/command/import_command.h>
 #include <host/command/links_command.h>
+#include <host/command/login_command.h>
+#include <host/command/open_command.h>
 #include <host/command/show_command.h>
 #include <host/failure.h>
 #include <host/terminal/output.h>
 #include <host/terminal/text.h>
+#include <kestrel/platform/system.h>
 #include <unistd.h>
 #include <CLI/CLI.hpp>
 
@@ -81,6 +87,42 @@ constexpr std::string_view accessExamples =
 
   kestrel access Opportunity/42 --database crm.db --user moses.frase
   kestrel access Organization/7 --database crm.db --user administrator --json)";
+
+constexpr std::string_view doctorExamples =
+    R"(Says what the system around the program really answers, from what that is known, and what to install or start where
+something is missing: the main loop, the time zone, texts and languages, the notification server and each setting, the
+applications for URLs and maps, the network, the preferences and the geocoding server.
+
+  kestrel doctor
+  kestrel doctor --json | jq '.findings[] | select(.advice)')";
+
+constexpr std::string_view geocodeExamples =
+    R"(Asks a server that speaks the protocol of Nominatim. Without --server it is the one in the preference "GeocodingServer".
+
+  kestrel geocode "Main Street 1, 12345 Springfield, USA" --server https://geocoding.example.com
+  kestrel defaults set GeocodingServer https://geocoding.example.com --type url
+  kestrel geocode "Springfield" --json)";
+
+constexpr std::string_view defaultsExamples =
+    R"(Reads, changes and watches the preferences of this program, or of another one by its file.
+
+  kestrel defaults set Theme dark
+  kestrel defaults set FontSize 12.5 --type double
+  kestrel defaults get Theme
+  kestrel defaults get --json
+  kestrel defaults watch Theme)";
+
+constexpr std::string_view loginExamples =
+    R"(Signs in with an account of this machine and writes each state of the login. What is not given is asked for; passwords
+are read without being shown, one line of standard input each where that is no terminal. A session lasts until `kestrel
+logout`, or until the company deactivates the user or the access of the device is withdrawn.
+
+  kestrel account add ada@example.com
+  kestrel account add-company Acme --database crm.db
+  kestrel account join ada@example.com Acme --user "Moses Frase"
+  kestrel login ada@example.com
+  kestrel login --status
+  kestrel login --unlock)";
 
 constexpr std::string_view contactExamples =
     R"(Shows a contact's page: names, addresses, roles, relationships and who may see it. A contact is named by identifier, by
@@ -189,6 +231,12 @@ class CommandLine {
         addAccess();
         addShow();
         addDecode();
+        addDoctor();
+        addGeocode();
+        addDefaults();
+        addOpen();
+        addLogin();
+        addAccount();
     }
 
     /// Reads the arguments and runs the command. The exit code.
@@ -209,7 +257,8 @@ class CommandLine {
             if (*command) return runCommand(output, terminal);
         }
         throw WrongUsage(
-            "a command is required: import, board, contact, contacts, activity, links, access, show or decode" +
+            "a command is required: import, board, contact, contacts, activity, links, access, show, decode, doctor, "
+            "geocode, defaults, open, login, logout or account" +
             helpHint());
     }
 
@@ -391,6 +440,171 @@ class CommandLine {
         addJSON(command, isDecodedJSON_);
     }
 
+    void addDoctor() {
+        CLI::App* command = addCommand("doctor", "Say what the system around the program answers, and what it lacks",
+                                       std::string(doctorExamples), [this](Output& output, const Terminal& terminal) {
+                                           doctorCommand(isDoctorJSON_, output, terminal);
+                                           return success;
+                                       });
+        addJSON(command, isDoctorJSON_);
+    }
+
+    void addGeocode() {
+        CLI::App* command = addCommand("geocode", "Find the place of an address", std::string(geocodeExamples),
+                                       [this](Output& output, const Terminal& terminal) {
+                                           geocodeCommand(geocode_, output, terminal);
+                                           return success;
+                                       });
+        command->add_option("ADDRESS", geocode_.address, "Street, postal code and city, state, country")
+            ->required()
+            ->type_name("");
+        command->add_option("--server", geocode_.server, "The server to ask")->type_name("URL");
+        addJSON(command, geocode_.isJSON);
+    }
+
+    void addDefaults() {
+        CLI::App* defaults = app_.add_subcommand("defaults", "Read, change and watch preferences");
+        defaults->footer(std::string(defaultsExamples));
+        defaults->require_subcommand(1);
+        const auto add = [&](const char* name, const char* description, Run run) {
+            CLI::App* command = defaults->add_subcommand(name, description);
+            command->add_option("--file", defaults_.file, "The file of preferences; the program's own when not given")
+                ->type_name("FILE");
+            commands_.emplace_back(command, std::move(run));
+            return command;
+        };
+        const auto addKey = [this](CLI::App* command, bool isRequired) {
+            command
+                ->add_option("KEY", defaults_.key, isRequired ? "The preference" : "The preference; all when not given")
+                ->required(isRequired)
+                ->type_name("");
+        };
+        CLI::App* get = add("get", "Write a preference, or all", [this](Output& output, const Terminal& terminal) {
+            getDefaults(defaults_, output, terminal);
+            return success;
+        });
+        addKey(get, false);
+        addJSON(get, defaults_.isJSON);
+        CLI::App* set = add("set", "Store a preference", [this](Output&, const Terminal&) {
+            setDefaults(defaults_);
+            return success;
+        });
+        addKey(set, true);
+        set->add_option("VALUE", defaults_.value, "Its value; dates as 2026-01-31T10:00:00Z, data as base64")
+            ->required()
+            ->type_name("");
+        set->add_option("-t,--type", defaults_.type, "Its type (string)")
+            ->type_name("TYPE")
+            ->check(CLI::IsMember({"string", "integer", "double", "boolean", "date", "url", "data"}));
+        addKey(add("remove", "Remove a preference",
+                   [this](Output&, const Terminal&) {
+                       removeDefaults(defaults_);
+                       return success;
+                   }),
+               true);
+        CLI::App* watch =
+            add("watch", "Write changes as they happen", [this](Output& output, const Terminal& terminal) {
+                watchDefaults(defaults_, output, terminal);
+                return success;
+            });
+        addKey(watch, false);
+        watch->add_option("-n,--count", defaults_.count, "End after so many changes")
+            ->check(CLI::PositiveNumber)
+            ->type_name("N");
+        addJSON(watch, defaults_.isJSON);
+    }
+
+    void addOpen() {
+        CLI::App* command = addCommand("open", "Open a URL in the application that the desktop has for it",
+                                       "  kestrel open https://example.com", [this](Output&, const Terminal&) {
+                                           openCommand(url_);
+                                           return success;
+                                       });
+        command->add_option("URL", url_, "The URL")->required()->type_name("");
+    }
+
+    static void addAccounts(CLI::App* command, std::string& accounts) {
+        command->add_option("--accounts", accounts, "The file of accounts; the user's own when not given")
+            ->type_name("FILE");
+    }
+
+    void addLogin() {
+        CLI::App* command = addCommand("login", "Sign in, or say who is signed in", std::string(loginExamples),
+                                       [this](Output& output, const Terminal& terminal) {
+                                           loginCommand(login_, output, terminal);
+                                           return success;
+                                       });
+        command->add_option("EMAIL", login_.email, "The account; who signed in last when not given")->type_name("");
+        addAccounts(command, login_.accounts);
+        command->add_option("--company", login_.company, "The company to enter")->type_name("NAME");
+        command->add_option("--one-time-code", login_.oneTimeCode, "The code that the device shows")->type_name("CODE");
+        command->add_option("--recovery-code", login_.recoveryCode, "A recovery code, without the device")
+            ->type_name("CODE");
+        command->add_flag("--status", login_.asksForStatus, "Say who is signed in");
+        command->add_flag("--unlock", login_.unlocks, "Verify the password of who is signed in");
+        addJSON(command, login_.isJSON);
+
+        CLI::App* logout =
+            addCommand("logout", "Sign out", "  kestrel logout", [this](Output& output, const Terminal& terminal) {
+                logoutCommand(login_, output, terminal);
+                return success;
+            });
+        addAccounts(logout, login_.accounts);
+        addJSON(logout, login_.isJSON);
+    }
+
+    void addAccount() {
+        CLI::App* accounts = app_.add_subcommand("account", "Manage the accounts of this machine");
+        accounts->footer(std::string(loginExamples));
+        accounts->require_subcommand(1);
+        using Change = std::function<void(Output&, const Terminal&)>;
+        const auto add = [&](const char* name, const char* description, Change change) {
+            CLI::App* command = accounts->add_subcommand(name, description);
+            addAccounts(command, account_.accounts);
+            commands_.emplace_back(command, [change = std::move(change)](Output& output, const Terminal& terminal) {
+                change(output, terminal);
+                return success;
+            });
+            return command;
+        };
+        const auto addEmail = [this](CLI::App* command) {
+            command->add_option("EMAIL", account_.email, "The account")->required()->type_name("");
+            return command;
+        };
+        const auto addCompany = [this](CLI::App* command) {
+            command->add_option("COMPANY", account_.company, "The company")->required()->type_name("");
+            return command;
+        };
+        addEmail(add("add", "Add an account; asks for its password",
+                     [this](Output&, const Terminal&) { addAccountCommand(account_); }));
+        addEmail(add("set-password", "Change the password of an account",
+                     [this](Output&, const Terminal&) { setPasswordCommand(account_); }));
+        CLI::App* factor = addEmail(
+            add("second-factor", "Switch on one-time codes, and write the secret for the device",
+                [this](Output& output, const Terminal& terminal) { secondFactorCommand(account_, output, terminal); }));
+        addJSON(factor, account_.isJSON);
+        CLI::App* company = addCompany(
+            add("add-company", "Add a company", [this](Output&, const Terminal&) { addCompanyCommand(account_); }));
+        addDatabase(company, account_.database);
+        company->add_flag("--require-one-time-code", account_.requiresOneTimeCode,
+                          "Only for accounts with a second factor");
+        CLI::App* join = addCompany(addEmail(add("join", "Add an account to a company",
+                                                 [this](Output&, const Terminal&) { joinCompanyCommand(account_); })));
+        join->add_option("-u,--user", account_.user, "Who the account's user is in the database")
+            ->required()
+            ->type_name("NAME");
+        addCompany(addEmail(add("deactivate", "Deactivate a user in a company",
+                                [this](Output&, const Terminal&) { setActiveCommand(account_, false); })));
+        addCompany(addEmail(add("activate", "Let a deactivated user in again",
+                                [this](Output&, const Terminal&) { setActiveCommand(account_, true); })));
+        addEmail(add("revoke", "Withdraw the access of all devices of an account",
+                     [this](Output& output, const Terminal&) { revokeDevicesCommand(account_, output); }));
+        CLI::App* list = add("list", "List the accounts", [this](Output& output, const Terminal& terminal) {
+            listAccountsCommand(account_, output, terminal);
+        });
+        addJSON(list, account_.isJSON);
+    }
+
     CLI::App app_;
     std::vector<std::pair<CLI::App*, Run>> commands_;
     ImportOptions import_;
@@ -402,6 +616,12 @@ class CommandLine {
     AccessOptions access_;
     ShowOptions show_;
     DecodeOptions decode_;
+    GeocodeOptions geocode_;
+    DefaultsOptions defaults_;
+    LoginOptions login_;
+    AccountOptions account_;
+    std::string url_;
+    bool isDoctorJSON_ = false;
     std::string dates_;
     /// Accepted like everywhere: what the command writes is JSON anyhow.
     bool isDecodedJSON_ = false;
@@ -421,6 +641,7 @@ int fail(const std::exception& problem, int exitCode) noexcept {
 int runCommandLine(int argumentCount, const char* const* arguments) noexcept {
     // A pipe that nobody reads any more is met where it is written to.
     std::signal(SIGPIPE, SIG_IGN);
+    platform::setApplicationIdentity({.identifier = "com.fenwick.Kestrel", .name = "Kestrel"});
     try {
         Output output(STDOUT_FILENO);
         const int exitCode = CommandLine().run(argumentCount, arguments, output);

@@ -1,6 +1,8 @@
 #include <host/command/contacts_command.h>
 #include <host/contact/contact_list.h>
-#include <host/store/store.h>
+#include <host/services/host_runtime.h>
+#include <host/services/value_of.h>
+#include <kestrel/services/contacts_service.h>
 
 namespace kestrel::host {
 namespace {
@@ -11,12 +13,10 @@ constexpr std::size_t usualLimit = 50;
 
 void contactsCommand(const ContactsOptions& options, Output& output, const Terminal& terminal) {
     if (options.search && options.search->empty()) throw WrongUsage("the text to search for is empty");
-    const ContactList list = withDatabase(options.database, [&] {
-        ReadingStore store(options.database);
-        const Directory directory(store.database());
-        ReadableRecords records(store.database(), directory, directory.user(options.user));
-        return contactList(records, options.search, options.limit.value_or(options.isJSON ? 0 : usualLimit));
-    });
+    Runtime runtime = makeHostRuntime(options.database, options.user);
+    const ContactListQuery query{.search = options.search,
+                                 .limit = options.limit.value_or(options.isJSON ? 0 : usualLimit)};
+    const ContactList list = valueOf(runtime[services::contacts].fetchContacts(query));
     if (options.isJSON) return writeJSONLine(listJSON(list), output, terminal);
     output.write(rendered(list, options.search, terminal));
 }

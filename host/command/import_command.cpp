@@ -1,15 +1,14 @@
 #include <fmt/format.h>
 #include <host/command/import_command.h>
-#include <host/crm/crm_export.h>
-#include <host/crm/importer.h>
 #include <host/failure.h>
-#include <host/people/people_importer.h>
-#include <host/people/personal_files.h>
-#include <host/store/store.h>
+#include <host/services/detailed_import_service.h>
+#include <host/services/host_runtime.h>
+#include <host/services/value_of.h>
 #include <host/terminal/json_object.h>
 #include <host/terminal/text.h>
 
 #include <array>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -33,12 +32,6 @@ std::string row(std::string_view label, std::span<const std::string> counts) {
     return text + "\n";
 }
 
-/// An export with what its import did.
-struct ImportedExport {
-    CRMExport data{};
-    ImportReport report{};
-};
-
 std::string reportText(const ImportReport& report, const CRMExport& exported) {
     std::string text = row("", std::array<std::string, 4>{"total", "new", "changed", "unchanged"});
     for (const ImportReport::Line& line : report.lines) {
@@ -54,35 +47,27 @@ std::string reportText(const ImportReport& report, const CRMExport& exported) {
     return text;
 }
 
-/// What people and programs call the entries of each kind.
-struct EntryNames {
-    EntryKind kind;
-    std::string_view label;
-    std::string_view key;
-};
-constexpr std::array<EntryNames, entryKindCount> entryNames{{{EntryKind::card, "cards", "cards"},
-                                                             {EntryKind::event, "events", "events"},
-                                                             {EntryKind::toDo, "to-dos", "toDos"},
-                                                             {EntryKind::journal, "journal entries", "journals"},
-                                                             {EntryKind::message, "messages", "messages"}}};
+/// What people call the entries of each kind.
+constexpr std::array<std::string_view, entryKindCount> entryLabels{"cards", "events", "to-dos", "journal entries",
+                                                                   "messages"};
 
 std::string reportText(const PeopleReport& report) {
     std::string text =
         row("", std::array<std::string, 7>{"found", "imported", "new", "changed", "unchanged", "repeated", "broken"});
-    for (const auto& [kind, label, key] : entryNames) {
-        const EntryCounts& counts = report.counts[static_cast<std::size_t>(kind)];
-        text += row(label, std::array{counted(counts.found), counted(counts.imported()), counted(counts.added),
-                                      counted(counts.changed), counted(counts.unchanged), counted(counts.superseded),
-                                      counted(counts.refused)});
+    for (std::size_t kind = 0; kind < entryKindCount; ++kind) {
+        const EntryCounts& counts = report.counts[kind];
+        text +=
+            row(entryLabels[kind], std::array{counted(counts.found), counted(counts.imported()), counted(counts.added),
+                                              counted(counts.changed), counted(counts.unchanged),
+                                              counted(counts.superseded), counted(counts.refused)});
     }
     return text + fmt::format("\nLinked by address: {} new\n", counted(report.linksAdded));
 }
 
-std::string reportJSON(const std::vector<ImportedExport>& exports, const std::optional<PeopleReport>& people,
-                       const ImportProblems& problems, bool isUnchanged) {
+std::string reportJSON(const ImportOutcome& outcome) {
     JSONObject records;
     std::vector<std::string> mended;
-    for (const auto& [exported, report] : exports) {
+    for (const auto& [exported, report] : outcome.exports) {
         for (const ImportReport::Line& line : report.lines) {
             records.add(
                 line.recordName,
@@ -100,90 +85,89 @@ std::string reportJSON(const std::vector<ImportedExport>& exports, const std::op
     }
     JSONObject report;
     report.add("records", records).addJSON("mended", JSONObject::array(mended));
-    if (people) {
+    if (outcome.people) {
         JSONObject entries;
-        for (const auto& [kind, label, key] : entryNames) {
-            const EntryCounts& counts = people->counts[static_cast<std::size_t>(kind)];
-            entries.add(key, JSONObject()
-                                 .add("found", counts.found)
-                                 .add("imported", counts.imported())
-                                 .add("new", counts.added)
-                                 .add("changed", counts.changed)
-                                 .add("unchanged", counts.unchanged)
-                                 .add("repeated", counts.superseded)
-                                 .add("broken", counts.refused));
+        for (std::size_t kind = 0; kind < entryKindCount; ++kind) {
+            const EntryCounts& counts = outcome.people->counts[kind];
+            entries.add(entryKeys[kind], JSONObject()
+                                             .add("found", counts.found)
+                                             .add("imported", counts.imported())
+                                             .add("new", counts.added)
+                                             .add("changed", counts.changed)
+                                             .add("unchanged", counts.unchanged)
+                                             .add("repeated", counts.superseded)
+                                             .add("broken", counts.refused));
         }
         std::vector<std::string> lines;
-        for (const ImportProblem& problem : problems.all()) {
+        for (const ImportProblem& problem : outcome.problems.all()) {
             lines.push_back(JSONObject()
                                 .add("file", problem.place.file)
                                 .add("line", problem.place.line)
                                 .add("message", problem.message)
                                 .json());
         }
-        report.add("entries", entries).add("linked", people->linksAdded).addJSON("problems", JSONObject::array(lines));
+        report.add("entries", entries)
+            .add("linked", outcome.people->linksAdded)
+            .addJSON("problems", JSONObject::array(lines));
     }
-    return report.add("isUnchanged", isUnchanged).json();
+    return report.add("isUnchanged", outcome.isUnchanged).json();
 }
 
-/// Writes the problems, those of a file by their lines, the files in the order in which they were read.
-void writeProblems(ImportProblems& problems) {
-    problems.sort();
+void writeProblems(const ImportProblems& problems) {
     for (const ImportProblem& problem : problems.all())
         writeErrorLine(fmt::format("{}:{}: {}", problem.place.file, problem.place.line, problem.message));
+}
+
+/// Draws a bar for each of the steps that take long.
+class StepBars {
+  public:
+    void show(const ImportStep& step) {
+        if (step.work == ImportStep::Work::importingEntries) return;
+        if (!bar_ || step.work != work_) {
+            bar_.reset();
+            work_ = step.work;
+            bar_.emplace(work_ == ImportStep::Work::readingFiles ? "Reading" : "Importing");
+        }
+        bar_->show(step.done, step.total);
+    }
+
+  private:
+    std::optional<ProgressBar> bar_;
+    ImportStep::Work work_{};
+};
+
+std::shared_ptr<const ImportOutcome> imported(const ImportOptions& options) {
+    Runtime runtime = makeHostRuntime(options.database, std::nullopt);
+    DetailedImportService& importing = runtime[host_services::detailedImport];
+    StepBars bars;
+    const AnyCancellable watching = importing.observeSteps().sink([&](const ImportStep& step) { bars.show(step); });
+    return valueOf(importing.importInDetail({options.paths.begin(), options.paths.end()}, options.isStrict));
 }
 
 }  // namespace
 
 void importCommand(const ImportOptions& options, Output& output, const Terminal& terminal) {
-    // Read and checked as a whole before the database is touched.
-    const ImportPaths paths = importPathsOf(options.paths);
-    std::vector<ImportedExport> exports;
-    for (const auto& folder : paths.exports)
-        exports.push_back({.data = readCRMExport(folder)});
-    PersonalData personal = [&] {
-        ProgressBar bar("Reading");
-        return readPersonalFiles(paths.files, [&](std::size_t done, std::size_t total) { bar.show(done, total); });
-    }();
-    if (options.isStrict && personal.problems.refused() > 0) {
-        writeProblems(personal.problems);
-        const std::size_t count = personal.problems.refused();
+    const auto outcome = imported(options);
+    writeProblems(outcome->problems);
+    if (!outcome->isComplete) {
+        const std::size_t count = outcome->problems.refused();
         throw Failure(
             fmt::format("{} broken {}: nothing has been imported", counted(count), count == 1 ? "entry" : "entries"));
     }
-    std::optional<PeopleReport> people;
-    bool isUnchanged = false;
-    withDatabase(options.database, [&] {
-        WritingStore store(options.database);
-        const auto before = store.database().getTotalChanges();
-        {
-            ProgressBar bar("Importing");
-            const auto show = [&](std::size_t deals, std::size_t total) { bar.show(deals, total); };
-            for (ImportedExport& exported : exports)
-                exported.report = importCRM(exported.data, store.database(), show);
-            if (!paths.files.empty()) people = importPeople(personal, store.database());
-        }
-        // Also what no line of the report counts, such as a new relationship between known people.
-        isUnchanged = store.database().getTotalChanges() == before;
-        store.commit();
-    });
-    writeProblems(personal.problems);
-    if (options.isJSON) {
-        writeJSONLine(reportJSON(exports, people, personal.problems, isUnchanged), output, terminal);
-        return;
-    }
+    if (options.isJSON) return writeJSONLine(reportJSON(*outcome), output, terminal);
     std::string text;
-    for (std::size_t i = 0; i < exports.size(); ++i) {
-        text +=
-            fmt::format("Imported {} into {}\n\n", printable(paths.exports[i].native()), printable(options.database));
-        text += reportText(exports[i].report, exports[i].data);
+    for (std::size_t i = 0; i < outcome->exports.size(); ++i) {
+        text += fmt::format("Imported {} into {}\n\n", printable(outcome->paths.exports[i].native()),
+                            printable(options.database));
+        text += reportText(outcome->exports[i].report, outcome->exports[i].data);
     }
-    if (people) {
-        text += fmt::format("{}Imported {} {} into {}\n\n", text.empty() ? "" : "\n", counted(paths.files.size()),
-                            paths.files.size() == 1 ? "file" : "files", printable(options.database));
-        text += reportText(*people);
+    if (outcome->people) {
+        const std::size_t files = outcome->paths.files.size();
+        text += fmt::format("{}Imported {} {} into {}\n\n", text.empty() ? "" : "\n", counted(files),
+                            files == 1 ? "file" : "files", printable(options.database));
+        text += reportText(*outcome->people);
     }
-    if (isUnchanged) text += "Everything was unchanged: nothing has been written.\n";
+    if (outcome->isUnchanged) text += "Everything was unchanged: nothing has been written.\n";
     output.write(text);
 }
 

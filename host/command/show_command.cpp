@@ -1,6 +1,8 @@
 #include <host/command/show_command.h>
+#include <host/services/host_runtime.h>
+#include <host/services/records_service.h>
+#include <host/services/value_of.h>
 #include <host/store/find_record.h>
-#include <host/store/store.h>
 #include <host/terminal/text.h>
 
 #include <string_view>
@@ -23,15 +25,10 @@ std::string printableLines(std::string_view text) {
 
 void showCommand(const ShowOptions& options, Output& output, const Terminal& terminal) {
     const AnyObjectID id = identifierOf(options.record);
-    withDatabase(options.database, [&] {
-        ReadingStore store(options.database);
-        visitRecord(store.database(), id, [&](const auto& record) {
-            if (!options.isJSON) return output.write(printableLines(debugMirror(record)));
-            const auto json = encodeJSON(record);
-            if (!json) throw Failure(json.error().message());
-            writeJSONLine(*json, output, terminal);
-        });
-    });
+    Runtime runtime = makeHostRuntime(options.database, std::nullopt);
+    const RecordText record = valueOf(runtime[host_services::records].fetchRecord(id), id);
+    if (options.isJSON) return writeJSONLine(record.json, output, terminal);
+    output.write(printableLines(record.mirror));
 }
 
 }  // namespace kestrel::host

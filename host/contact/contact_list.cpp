@@ -112,15 +112,15 @@ std::optional<std::string> defaultCompany(ReadableRecords& records, const Object
 
 }  // namespace
 
-ContactList contactList(ReadableRecords& records, const std::optional<std::string>& search, std::size_t limit) {
+ContactList contactList(ReadableRecords& records, const ContactListQuery& query) {
     std::optional<Search> searched;
-    if (search) searched.emplace(records, *search);
+    if (query.search) searched.emplace(records, *query.search);
     std::vector<Candidate> candidates;
     records.forEach<Contact>([&](const Contact& contact) {
         if (!searched || searched->finds(contact)) candidates.push_back(candidateOf(contact));
     });
     ContactList list{.rows = {}, .total = candidates.size()};
-    const std::size_t count = limit == 0 ? candidates.size() : std::min(limit, candidates.size());
+    const std::size_t count = query.limit == 0 ? candidates.size() : std::min(query.limit, candidates.size());
     const auto end = candidates.begin() + static_cast<std::ptrdiff_t>(count);
     std::ranges::partial_sort(candidates, end, isBefore);
     for (auto candidate = candidates.begin(); candidate != end; ++candidate) {

@@ -2,41 +2,19 @@
 
 #include <host/store/readable_records.h>
 #include <host/terminal/output.h>
-#include <kestrel/identity/object_id.h>
-#include <kestrel/records/contact.h>
-#include <kestrel/records/name.h>
-#include <cstddef>
+#include <kestrel/services/contact_list.h>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <vector>
 
 namespace kestrel::host {
 
-/// A contact in a list.
-struct ContactRow {
-    ObjectID<Contact> id;
-    Name name{};
-    /// Of the default role, when the user may read it.
-    std::optional<std::string> company{};
-    std::optional<std::string> emailAddress{};
-    std::optional<std::string> phone{};
-};
-
-struct ContactList {
-    std::vector<ContactRow> rows{};
-    /// How many there are, the ones beyond the limit included.
-    std::size_t total{};
-};
-
 /// The contacts that a user may read, by family name, then given name, then key, whatever the case of the letters; one
-/// with only one name stands by that, and those without any come last. At most `limit` of them, 0 for all.
+/// with only one name stands by that, and those without any come last.
 ///
 /// With a text to search for only those that have it, whatever the case of its letters, in one of their names, in the
 /// name of a company where they have a role, or in an e-mail address. A text of digits and what people write between
 /// them, "+49 (30) 1234-5", also finds the phone numbers that have these digits in a row.
-[[nodiscard]] ContactList contactList(ReadableRecords& records, const std::optional<std::string>& search,
-                                      std::size_t limit);
+[[nodiscard]] ContactList contactList(ReadableRecords& records, const ContactListQuery& query);
 
 /// The list as an aligned table. `search` is what was searched for, if anything.
 [[nodiscard]] std::string rendered(const ContactList& list, const std::optional<std::string>& search,

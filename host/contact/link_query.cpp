@@ -36,9 +36,9 @@ std::optional<Contact> sourceOf(ReadableRecords& records, const AnyObjectID& id)
 
 /// The links of the contacts with a role at a destination, which `Role` is the view of.
 template <class Role, class Destination>
-std::vector<FoundLink> roleLinks(ReadableRecords& records, const ObjectID<Destination>& id,
-                                 ContactLinkRecord (*link)(Role)) {
-    std::vector<FoundLink> found;
+std::vector<LinkedContact> roleLinks(ReadableRecords& records, const ObjectID<Destination>& id,
+                                     ContactLinkRecord (*link)(Role)) {
+    std::vector<LinkedContact> found;
     for (const auto& roleID : records.links().linked<AnyRole>(LinkKind::destination, id)) {
         auto record = records.find(roleID);
         if (!record) continue;
@@ -52,9 +52,9 @@ std::vector<FoundLink> roleLinks(ReadableRecords& records, const ObjectID<Destin
     return found;
 }
 
-std::vector<FoundLink> relationshipLinks(ReadableRecords& records, const ObjectID<Contact>& id,
-                                         const Contact& destination) {
-    std::vector<FoundLink> found;
+std::vector<LinkedContact> relationshipLinks(ReadableRecords& records, const ObjectID<Contact>& id,
+                                             const Contact& destination) {
+    std::vector<LinkedContact> found;
     for (const auto& relationshipID : records.links().linked<AnyRelationship>(LinkKind::destination, id)) {
         auto record = records.find(relationshipID);
         if (!record) continue;
@@ -70,8 +70,8 @@ std::vector<FoundLink> relationshipLinks(ReadableRecords& records, const ObjectI
     return found;
 }
 
-std::vector<FoundLink> emailLinks(ReadableRecords& records, const Email& email) {
-    std::vector<FoundLink> found;
+std::vector<LinkedContact> emailLinks(ReadableRecords& records, const Email& email) {
+    std::vector<LinkedContact> found;
     for (const AnyObjectID& target : records.links().targets(email.objectID(), LinkKind::subject)) {
         const auto id = target.as<Contact>();
         if (!id) continue;
@@ -98,10 +98,10 @@ std::vector<std::string> linkTargetEntities() {
     return entities;
 }
 
-std::vector<FoundLink> answer(ReadableRecords& records, const ContactLinkQuery& query) {
+std::vector<LinkedContact> answer(ReadableRecords& records, const ContactLinkQuery& query) {
     const auto target = query.destination();
     if (!target) return {};
-    return target->match([](const AppointmentOccurrenceTarget&) { return std::vector<FoundLink>(); },
+    return target->match([](const AppointmentOccurrenceTarget&) { return std::vector<LinkedContact>(); },
                          [&]<class Record>(const ObjectID<Record>& id) {
                              // Whatever it is: nobody is told who is linked to a record that is not to be read.
                              [[maybe_unused]] const Record record = records.required(id);
@@ -117,7 +117,7 @@ std::vector<FoundLink> answer(ReadableRecords& records, const ContactLinkQuery& 
                              } else if constexpr (std::is_same_v<Record, Email>) {
                                  return emailLinks(records, record);
                              } else {
-                                 return std::vector<FoundLink>();
+                                 return std::vector<LinkedContact>();
                              }
                          });
 }

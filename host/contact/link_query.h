@@ -4,21 +4,12 @@
 #include <kestrel/identity/any_object_id.h>
 #include <kestrel/identity/link_target.h>
 #include <kestrel/relationships/contact_link.h>
+#include <kestrel/services/contact_list.h>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace kestrel::host {
-
-/// A contact's connection, as the answer to a query.
-struct FoundLink {
-    /// The contact that has the link.
-    Contact contact;
-    ContactLinkRecord link;
-    /// What the contact is to the record that the link points at: the title of its role, the relationship's name read
-    /// in that direction. Absent for an untitled role, an untyped relationship and for an email.
-    std::optional<std::string> name{};
-};
 
 /// The target that links may have of that identifier; absent when contacts cannot be linked to such records.
 [[nodiscard]] std::optional<LinkTarget> linkTargetOf(const AnyObjectID& id);
@@ -32,6 +23,6 @@ struct FoundLink {
 /// that it is linked to. No connection points at a record of another kind, nor at a single occurrence of an
 /// appointment. What is deleted, or not to be read by the user, is left out. In the order of the roles' and
 /// relationships' keys.
-[[nodiscard]] std::vector<FoundLink> answer(ReadableRecords& records, const ContactLinkQuery& query);
+[[nodiscard]] std::vector<LinkedContact> answer(ReadableRecords& records, const ContactLinkQuery& query);
 
 }  // namespace kestrel::host

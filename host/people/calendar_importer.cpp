@@ -15,6 +15,9 @@
 namespace kestrel::host {
 namespace {
 
+/// Stands between the name of a series and the occurrence, where sources are named.
+constexpr const char* occurrenceMark = "\n@";
+
 /// A day as the files write it: "20170314".
 std::string writtenDay(std::chrono::local_days day) {
     const std::chrono::year_month_day date(day);
@@ -445,9 +448,6 @@ class CalendarImporter {
         }
     }
 
-    /// Stands between an identifier and the occurrence.
-    static constexpr const char* occurrenceMark = "\n@";
-
     const std::vector<CalendarEntry>& entries_;
     ImportStore& store_;
     RecordStore<Timeblock> timeblocks_;
@@ -482,6 +482,25 @@ class CalendarImporter {
 
 void importCalendarEntries(const std::vector<CalendarEntry>& entries, ImportStore& store) {
     CalendarImporter(entries, store).run();
+}
+
+void noteOccurrence(SQLite::Database& database, const ObjectID<Task>& series, Date occurrence,
+                    const ObjectID<Task>& task) {
+    const std::string entity(Task::entityName);
+    SQLite::Statement named(database, "SELECT source FROM \"ImportSource\" WHERE entity = ? AND id = ?");
+    named.bind(1, entity);
+    named.bind(2, series.value().value());
+    if (!named.executeStep()) return;
+    // Whatever the file calls the occurrence, it is found by its moment.
+    const std::string source = named.getColumn(0).getString() + occurrenceMark + writtenTime(occurrence, std::nullopt);
+    ImportSources(database).add(entity, source, task.value().value());
+    SQLite::Statement addresses(database,
+                                "INSERT INTO \"AddressUse\"(entity, id, address) "
+                                "SELECT entity, ?, address FROM \"AddressUse\" WHERE entity = ? AND id = ?");
+    addresses.bind(1, task.value().value());
+    addresses.bind(2, entity);
+    addresses.bind(3, series.value().value());
+    addresses.exec();
 }
 
 }  // namespace kestrel::host

@@ -2,6 +2,7 @@
 
 #include <host/people/calendar_entry.h>
 #include <host/people/import_store.h>
+#include <kestrel/calendar/task.h>
 #include <vector>
 
 namespace kestrel::host {
@@ -22,5 +23,10 @@ namespace kestrel::host {
 ///   location. Priorities of tasks are those of the file: 0 for none, 1 for the highest, 9 for the lowest. How far an
 ///   unfinished task is done is the last line of its details.
 void importCalendarEntries(const std::vector<CalendarEntry>& entries, ImportStore& store);
+
+/// Notes that a task stands for the occurrence of another one at a moment, and has its addresses, so that a later
+/// import of the series takes the two for what an earlier import made of it. Does nothing for a series of no import.
+void noteOccurrence(SQLite::Database& database, const ObjectID<Task>& series, Date occurrence,
+                    const ObjectID<Task>& task);
 
 }  // namespace kestrel::host

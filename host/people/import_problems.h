@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <string_view>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -15,6 +16,9 @@ namespace kestrel::host {
 /// What a file of people's data holds; each is counted apart.
 enum class EntryKind : std::uint8_t { card, event, toDo, journal, message };
 inline constexpr std::size_t entryKindCount = 5;
+/// What programs call the entries of each kind.
+inline constexpr std::array<std::string_view, entryKindCount> entryKeys{"cards", "events", "toDos", "journals",
+                                                                        "messages"};
 
 /// A line of a file; the first is 1.
 struct FilePlace {

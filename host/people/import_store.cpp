@@ -22,23 +22,4 @@ const Keyword& ImportStore::keyword(const std::string& name) {
     });
 }
 
-std::int64_t ImportStore::embeddedKey(std::string_view entity) {
-    const auto found = embeddedKeys_.find(entity);
-    if (found != embeddedKeys_.end()) return ++found->second;
-    SQLite::Statement last(database_, "SELECT lastID FROM \"EmbeddedKey\" WHERE entity = ?");
-    last.bind(1, std::string(entity));
-    const std::int64_t key = last.executeStep() ? last.getColumn(0).getInt64() : 0;
-    return embeddedKeys_[entity] = key + 1;
-}
-
-void ImportStore::finish() {
-    SQLite::Statement write(database_, "INSERT OR REPLACE INTO \"EmbeddedKey\"(entity, lastID) VALUES(?, ?)");
-    for (const auto& [entity, key] : embeddedKeys_) {
-        write.reset();
-        write.bind(1, std::string(entity));
-        write.bind(2, key);
-        write.exec();
-    }
-}
-
 }  // namespace kestrel::host

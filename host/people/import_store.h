@@ -4,10 +4,12 @@
 #include <host/people/address_uses.h>
 #include <host/people/import_problems.h>
 #include <host/people/import_sources.h>
+#include <host/store/embedded_keys.h>
 #include <host/store/record_links.h>
 #include <host/store/record_table.h>
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -106,8 +108,15 @@ class NamedRecords {
 /// The tables that all importers need, and the counts that they keep.
 class ImportStore {
   public:
-    ImportStore(SQLite::Database& database, ImportProblems& problems)
-        : database_(database), problems_(problems), links_(database), sources_(database), addresses_(database) {}
+    /// `merged` is called after each entry that was merged.
+    ImportStore(SQLite::Database& database, ImportProblems& problems, std::function<void()> merged)
+        : database_(database),
+          problems_(problems),
+          links_(database),
+          sources_(database),
+          addresses_(database),
+          embeddedKeys_(database),
+          merged_(std::move(merged)) {}
 
     [[nodiscard]] SQLite::Database& database() noexcept { return database_; }
     [[nodiscard]] ImportProblems& problems() noexcept { return problems_; }
@@ -120,6 +129,7 @@ class ImportStore {
     void count(EntryKind kind, Written written) {
         EntryCounts& ofKind = counts(kind);
         ++(written == Written::added ? ofKind.added : written == Written::changed ? ofKind.changed : ofKind.unchanged);
+        merged_();
     }
 
     /// The key of the record that came of a source, or one for a new record, which it is from now on.
@@ -137,14 +147,12 @@ class ImportStore {
     /// A key for a record that lies within another one.
     template <class Record>
     [[nodiscard]] std::int64_t embeddedKey() {
-        return embeddedKey(entityNameOf<Record>);
+        return embeddedKeys_.next<Record>();
     }
     /// Writes what has been kept back so far.
-    void finish();
+    void finish() { embeddedKeys_.finish(); }
 
   private:
-    [[nodiscard]] std::int64_t embeddedKey(std::string_view entity);
-
     SQLite::Database& database_;
     ImportProblems& problems_;
     RecordLinks links_;
@@ -152,7 +160,8 @@ class ImportStore {
     AddressUses addresses_;
     std::array<EntryCounts, entryKindCount> counts_{};
     NamedRecords<Keyword> keywords_;
-    std::map<std::string_view, std::int64_t> embeddedKeys_;
+    EmbeddedKeys embeddedKeys_;
+    std::function<void()> merged_;
 };
 
 }  // namespace kestrel::host

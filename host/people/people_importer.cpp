@@ -57,9 +57,13 @@ void addAdministrator(SQLite::Database& database) {
 
 }  // namespace
 
-PeopleReport importPeople(PersonalData& data, SQLite::Database& database) {
+PeopleReport importPeople(PersonalData& data, SQLite::Database& database, const PeopleProgress& progress) {
     addAdministrator(database);
-    ImportStore store(database, data.problems);
+    const std::size_t total = data.cards.size() + data.entries.size() + data.messages.size();
+    std::size_t done = 0;
+    ImportStore store(database, data.problems, [&] {
+        if (progress) progress(++done, total);
+    });
     importCards(data.cards, store);
     importCalendarEntries(data.entries, store);
     importMessages(data.messages, store);

@@ -39,7 +39,7 @@ using PeopleProgress = std::function<void(std::size_t done, std::size_t total)>;
 
 /// Brings a database up to date with what files hold, in the caller's transaction: cards first, then the calendars,
 /// then the mail; at last everything, also of earlier imports, is linked with the contacts of its addresses. What
-/// cannot be taken as it stands is added to the problems.
-PeopleReport importPeople(PersonalData& data, SQLite::Database& database);
+/// cannot be taken as it stands is added to the problems. Tells the progress by the entry.
+PeopleReport importPeople(PersonalData& data, SQLite::Database& database, const PeopleProgress& progress = {});
 
 }  // namespace kestrel::host

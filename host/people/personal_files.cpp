@@ -39,7 +39,7 @@ std::vector<PersonalFile> filesIn(const fs::path& folder) {
 
 }  // namespace
 
-ImportPaths importPathsOf(const std::vector<std::string>& paths) {
+ImportPaths importPathsOf(const std::vector<fs::path>& paths) {
     ImportPaths found;
     std::set<fs::path> seen;
     const auto isFirst = [&](const fs::path& path) {
@@ -47,8 +47,8 @@ ImportPaths importPathsOf(const std::vector<std::string>& paths) {
         const fs::path absolute = fs::canonical(path, problem);
         return seen.insert(problem ? path : absolute).second;
     };
-    for (const std::string& text : paths) {
-        const fs::path path(text);
+    for (const fs::path& path : paths) {
+        const std::string& text = path.native();
         std::error_code problem;
         const fs::file_status status = fs::status(path, problem);
         if (!fs::exists(status)) throw Failure(fmt::format("{}: cannot be opened: {}", text, problem.message()));

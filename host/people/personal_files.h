@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <string>
 #include <vector>
 
 namespace kestrel::host {
@@ -26,6 +25,6 @@ struct ImportPaths {
 /// Looks the paths up. A folder stands for all files of a known kind in it and in the folders below it; others in it
 /// are of no concern. What is given twice is read once. A Failure names a path that does not exist, a file of no known
 /// kind, and a folder that has nothing to import.
-[[nodiscard]] ImportPaths importPathsOf(const std::vector<std::string>& paths);
+[[nodiscard]] ImportPaths importPathsOf(const std::vector<std::filesystem::path>& paths);
 
 }  // namespace kestrel::host

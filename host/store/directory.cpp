@@ -29,7 +29,7 @@ const User& Directory::user(std::string_view name) const {
         std::vector<std::string> usernames;
         for (const User* user : found)
             usernames.push_back(user->username.value_or(user->objectID().stringValue()));
-        throw Failure(fmt::format("\"{}\" is the name of several users: {}", name, listed(usernames)));
+        throw Refusal(fmt::format("\"{}\" is the name of several users: {}", name, listed(usernames)));
     }
     std::vector<std::string> names;
     for (const User& user : users_)
@@ -38,10 +38,10 @@ const User& Directory::user(std::string_view name) const {
         if (user.username) names.push_back(*user.username);
     }
     std::vector<std::string> near = nearNames(name, names);
-    if (near.empty()) throw Failure(fmt::format("there is no user \"{}\"", name));
+    if (near.empty()) throw Refusal(fmt::format("there is no user \"{}\"", name));
     for (std::string& candidate : near)
         candidate = '"' + candidate + '"';
-    throw Failure(fmt::format("there is no user \"{}\"; did you mean {}?", name, fmt::join(near, " or ")));
+    throw Refusal(fmt::format("there is no user \"{}\"; did you mean {}?", name, fmt::join(near, " or ")));
 }
 
 std::string Directory::teamName(const ObjectID<Team>& id) const {

@@ -23,8 +23,9 @@ void visitRecord(SQLite::Database& database, const AnyObjectID& id, Visitor&& vi
         const auto typed = id.as<Record>();
         if (!typed) return;
         isStoredType = true;
+        if (!typed->isPersistent()) throw RecordUnsaved(id.stringValue());
         const auto record = RecordTable<Record>(database).find(*typed);
-        if (!record) throw Failure("there is no " + id.stringValue());
+        if (!record) throw RecordMissing(id.stringValue());
         visit(*record);
     });
     if (!isStoredType) throw Failure("databases keep no records of " + std::string(id.entityName()));

@@ -55,15 +55,16 @@ class ReadableRecords {
     /// whether it may be read at all.
     template <class Record>
     [[nodiscard]] Record required(const ObjectID<Record>& id) {
+        if (!id.isPersistent()) throw RecordUnsaved(id.stringValue());
         auto record = table<Record>().find(id);
-        if (!record) throw Failure("there is no " + id.stringValue());
+        if (!record) throw RecordMissing(id.stringValue());
         if constexpr (AuthorizedAccess<Record>) {
             if (!checker_.canRead(*record)) {
-                throw Failure(
+                throw Refusal(
                     fmt::format("{} may not read {}; `kestrel access` says why", shownName(user_), id.stringValue()));
             }
         }
-        if (!isReadable(*record)) throw Failure(id.stringValue() + " has been deleted");
+        if (!isReadable(*record)) throw Refusal(id.stringValue() + " has been deleted");
         return *std::move(record);
     }
 
@@ -85,6 +86,12 @@ class ReadableRecords {
         }
     }
 
+  protected:
+    template <class Record>
+    [[nodiscard]] RecordTable<Record>& table() noexcept {
+        return tables_;
+    }
+
   private:
     /// A table of every stored type.
     template <class List>
@@ -93,11 +100,6 @@ class ReadableRecords {
     struct Tables<RecordList<Records...>> : RecordTable<Records>... {
         explicit Tables(SQLite::Database& database) : RecordTable<Records>(database)... {}
     };
-
-    template <class Record>
-    RecordTable<Record>& table() noexcept {
-        return tables_;
-    }
 
     SQLite::Database* database_;
     User user_;

@@ -44,7 +44,9 @@ class RecordTable {
   public:
     explicit RecordTable(SQLite::Database& database) : database_(&database) {}
 
+    /// Absent also for an identifier that is not saved.
     [[nodiscard]] std::optional<Record> find(const ObjectID<Record>& id) {
+        if (!id.isPersistent()) return std::nullopt;
         SQLite::Statement& statement = prepared(find_, "SELECT record FROM " + table() + " WHERE id = ?");
         statement.bind(1, id.value().value());
         if (!statement.executeStep()) return std::nullopt;

@@ -167,9 +167,14 @@ CREATE INDEX "AddressUse.address" ON "AddressUse"(address, entity, id);
 CREATE TABLE "EmbeddedKey"(entity TEXT NOT NULL, lastID INTEGER NOT NULL, PRIMARY KEY(entity)) STRICT, WITHOUT ROWID;
 )sql";
 
+// Preferences of the database itself.
+constexpr const char* version3 = R"sql(
+CREATE TABLE "DatabasePreference"(id INTEGER PRIMARY KEY, record TEXT NOT NULL) STRICT;
+)sql";
+
 /// What makes each version of the one before it; the first makes version 1 of an empty database. A step that has been
 /// released is never changed again: databases of its version exist.
-constexpr std::array<const char*, schemaVersion> steps{version1, version2};
+constexpr std::array<const char*, schemaVersion> steps{version1, version2, version3};
 
 }  // namespace
 

@@ -14,7 +14,7 @@
 namespace kestrel::host {
 
 /// The version of the schema below, kept in the database's `user_version`.
-inline constexpr int schemaVersion = 2;
+inline constexpr int schemaVersion = 3;
 
 /// Marks a database as one of ours, in its `application_id`: "KSRL".
 inline constexpr int schemaApplicationID = 0x4b53524c;

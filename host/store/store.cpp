@@ -3,6 +3,7 @@
 #include <host/store/schema.h>
 #include <host/store/store.h>
 #include <sqlite3.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -43,14 +44,24 @@ int checkedVersion(SQLite::Database& database, const std::filesystem::path& file
     return version;
 }
 
+/// A Failure for a database of an earlier version.
+void requireCurrentSchema(SQLite::Database& database, const std::filesystem::path& file) {
+    if (checkedVersion(database, file) < schemaVersion) {
+        throw Failure(
+            fmt::format("{}: is not of the current schema; `kestrel import` brings it up to date", file.native()));
+    }
+}
+
+Failure missingDatabase(const std::filesystem::path& file) {
+    return Failure(fmt::format("{}: there is no such database; `kestrel import` makes one", file.native()));
+}
+
 /// A reader needs the files beside a database in WAL mode, and makes them where it may. Where it may not, on a medium
 /// for reading only, a database that nobody is writing is read as it is.
 SQLite::Database openForReading(const std::filesystem::path& file) {
     const std::string path = pathForSQLite(file);
     std::error_code problem;
-    if (!std::filesystem::exists(path, problem)) {
-        throw Failure(fmt::format("{}: there is no such database; `kestrel import` makes one", file.native()));
-    }
+    if (!std::filesystem::exists(path, problem)) throw missingDatabase(file);
     if (std::filesystem::is_directory(path, problem))
         throw Failure(fmt::format("{}: is a folder, no database", file.native()));
     const std::string folder = std::filesystem::path(path).parent_path().native();
@@ -64,8 +75,13 @@ SQLite::Database openForReading(const std::filesystem::path& file) {
     return SQLite::Database(uri + "?immutable=1", SQLite::OPEN_READONLY | SQLite::OPEN_URI, busyTimeout);
 }
 
-/// Makes the file when there is none; whether it did.
-bool makeFile(const std::filesystem::path& file) {
+/// Makes the file when there is none, if that is wanted; whether it did.
+bool makeFile(const std::filesystem::path& file, WritingStore::WhenMissing whenMissing) {
+    std::error_code problem;
+    if (whenMissing == WritingStore::WhenMissing::fail) {
+        if (!std::filesystem::exists(file, problem)) throw missingDatabase(file);
+        return false;
+    }
     const int descriptor = ::open(file.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (descriptor >= 0) {
         ::close(descriptor);
@@ -77,14 +93,33 @@ bool makeFile(const std::filesystem::path& file) {
 
 }  // namespace
 
-ReadingStore::ReadingStore(const std::filesystem::path& file) : database_(openForReading(file)), snapshot_(database_) {
-    if (checkedVersion(database_, file) < schemaVersion) {
-        throw Failure(
-            fmt::format("{}: is not of the current schema; `kestrel import` brings it up to date", file.native()));
-    }
+ReadingConnection::ReadingConnection(const std::filesystem::path& file)
+    : name_(file), file_(std::filesystem::absolute(file)), database_(openForReading(file)) {
+    struct stat status{};
+    if (::stat(file_.c_str(), &status) != 0) return;
+    device_ = status.st_dev;
+    inode_ = status.st_ino;
 }
 
-WritingStore::WritingStore(const std::filesystem::path& file) : file_(file), isNewFile_(makeFile(file)) {
+bool ReadingConnection::isCurrent() const {
+    struct stat status{};
+    return ::stat(file_.c_str(), &status) == 0 && status.st_dev == device_ && status.st_ino == inode_;
+}
+
+std::int64_t ReadingConnection::dataVersion() {
+    return database_.execAndGet("PRAGMA data_version").getInt64();
+}
+
+void ReadingConnection::checkSchema() {
+    requireCurrentSchema(database_, name_);
+}
+
+ReadingStore::ReadingStore(const std::filesystem::path& file) : database_(openForReading(file)), snapshot_(database_) {
+    requireCurrentSchema(database_, file);
+}
+
+WritingStore::WritingStore(const std::filesystem::path& file, WhenMissing whenMissing)
+    : file_(file), isNewFile_(makeFile(file, whenMissing)) {
     try {
         database_.emplace(pathForSQLite(file), SQLite::OPEN_READWRITE, busyTimeout);
         // Before anything is written: the database may be somebody else's.

@@ -4,14 +4,47 @@
 #include <SQLiteCpp/Exception.h>
 #include <SQLiteCpp/Transaction.h>
 #include <host/failure.h>
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
 
 namespace kestrel::host {
 
-/// A database that is open for reading. Everything that is read from it is of the same moment, whatever others write
-/// meanwhile.
+/// A connection to a database that others write.
+class ReadingConnection {
+  public:
+    /// A Failure when there is no such file.
+    explicit ReadingConnection(const std::filesystem::path& file);
+
+    [[nodiscard]] SQLite::Database& database() noexcept { return database_; }
+    /// Whether the file is still the one that was opened: it may have been removed, or replaced by another one.
+    [[nodiscard]] bool isCurrent() const;
+    /// A number that is another one whenever somebody else has changed the database, in this process or not. Within a
+    /// snapshot it stays the same.
+    [[nodiscard]] std::int64_t dataVersion();
+    /// Calls `work` with the database. Everything that it reads is of the same moment, whatever others write meanwhile.
+    /// A Failure when this version of the schema does not describe the database.
+    template <class Work>
+    auto read(Work&& work) {
+        const SQLite::Transaction snapshot(database_);
+        checkSchema();
+        return work(database_);
+    }
+
+  private:
+    void checkSchema();
+
+    /// As it was given.
+    std::filesystem::path name_;
+    std::filesystem::path file_;
+    SQLite::Database database_;
+    /// Of the file when it was opened.
+    std::uint64_t device_ = 0;
+    std::uint64_t inode_ = 0;
+};
+
+/// A database that is open for reading at one moment.
 class ReadingStore {
   public:
     /// A Failure when there is no such file, or none that this version of the schema describes.
@@ -28,8 +61,9 @@ class ReadingStore {
 /// `commit` the file is afterwards as it was before, and there is none if there was none.
 class WritingStore {
   public:
+    enum class WhenMissing : std::uint8_t { make, fail };
     /// A Failure when the file is no database of this system, or one of a newer version.
-    explicit WritingStore(const std::filesystem::path& file);
+    explicit WritingStore(const std::filesystem::path& file, WhenMissing whenMissing = WhenMissing::make);
     ~WritingStore();
     WritingStore(const WritingStore&) = delete;
     WritingStore& operator=(const WritingStore&) = delete;

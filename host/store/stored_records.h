@@ -32,6 +32,7 @@
 #include <kestrel/relationships/any_role.h>
 #include <kestrel/relationships/relationship_type.h>
 #include <kestrel/relationships/role_type.h>
+#include <kestrel/session/database_preference.h>
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -52,11 +53,11 @@ struct RecordList {
 
 using StoredRecords =
     RecordList<AnyLabel, AnyRelationship, AnyRole, AnyRoleType, Category, Company, CompanyType, Contact, CustomRecord,
-               CustomRecordDefinition, CustomRecordSetDefinition, Email, ExtraFieldsNames, ExtraVInfo, FileAttachment,
-               Form, Group, IndustryType, Keyword, MeetingInvite, Note, Opportunity, OpportunityStateReason,
-               OpportunityType, Pipeline, PipelineDefinition, PipelineStage, PipelineStageDefinition,
-               PipelineStageHistory, Project, RegionType, RelationshipType, Task, TaskException, TaskList, Team,
-               Timeblock, TimeblockException, URLReference, User, VisibilityPreset>;
+               CustomRecordDefinition, CustomRecordSetDefinition, DatabasePreference, Email, ExtraFieldsNames,
+               ExtraVInfo, FileAttachment, Form, Group, IndustryType, Keyword, MeetingInvite, Note, Opportunity,
+               OpportunityStateReason, OpportunityType, Pipeline, PipelineDefinition, PipelineStage,
+               PipelineStageDefinition, PipelineStageHistory, Project, RegionType, RelationshipType, Task,
+               TaskException, TaskList, Team, Timeblock, TimeblockException, URLReference, User, VisibilityPreset>;
 
 /// A column that repeats a member of the record: the key of another record.
 template <class Record>

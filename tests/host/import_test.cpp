@@ -447,7 +447,7 @@ TEST(Store, refusesWhatIsNotItsOwn) {
         std::string file, message;
     };
     for (const auto& [file, message] :
-         {Case{"newer.db", "was written by a newer version of kestrel: its schema is version 99, this one knows 2"},
+         {Case{"newer.db", "was written by a newer version of kestrel: its schema is version 99, this one knows 3"},
           Case{"other.db", "is a database of another program"}, Case{"unmarked.db", "is a database of another program"},
           Case{"text.db", "is no database"}}) {
         SCOPED_TRACE(file);
@@ -470,7 +470,7 @@ TEST(Store, keepsWriteAheadLogAndForeignKeys) {
     ASSERT_EQ(importFiles(smallExport, folder / "crm.db").exitCode, 0);
     SQLite::Database database(folder / "crm.db", SQLite::OPEN_READWRITE);
     EXPECT_EQ(database.execAndGet("PRAGMA journal_mode").getString(), "wal");
-    EXPECT_EQ(database.execAndGet("PRAGMA user_version").getInt(), 2);
+    EXPECT_EQ(database.execAndGet("PRAGMA user_version").getInt(), 3);
     EXPECT_EQ(database.execAndGet("SELECT count(*) FROM pragma_foreign_key_check").getInt(), 0);
     database.exec("PRAGMA foreign_keys = ON");
     EXPECT_THROW(database.exec(R"(DELETE FROM "User" WHERE id = 2)"), SQLite::Exception);

@@ -39,8 +39,8 @@ struct BannerKey {
 };
 struct UnrepresentedKey {
     using Value = std::vector<int>;
-    static constexpr std::string_view key = "List";
-    static inline const Value defaultValue{};
+    [[maybe_unused]] static constexpr std::string_view key = "List";
+    [[maybe_unused]] static inline const Value defaultValue{};
 };
 static_assert(UserDefaultsKey<ThemeKey> && UserDefaultsKey<SoundKey> && !UserDefaultsKey<UnrepresentedKey>);
 static_assert(UserDefaultsRepresentable<float> && UserDefaultsRepresentable<std::optional<URL>> &&
