@@ -49,8 +49,8 @@ struct SecondFactor {
 };
 
 /// The accounts of this machine: who may sign in, how that is proved, and the companies. In a file of its own, which
-/// only its owner can read; made when there is none. E-mail addresses do not tell cases of letters apart. What cannot be
-/// done is a Failure; trouble with the file is what SQLite throws.
+/// only its owner can read; made when there is none. E-mail addresses do not tell cases of letters apart. What cannot
+/// be done is a Failure; trouble with the file is what SQLite throws.
 class AccountStore {
   public:
     explicit AccountStore(std::filesystem::path file);
