@@ -2,7 +2,6 @@
 
 #include <kestrel/reactive/publisher.h>
 #include <kestrel/reactive/recursive_lock.h>
-#include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <mutex>
@@ -73,13 +72,14 @@ class PassThroughSubject {
         }
         /// One of the list has been let go. It leaves with others, when they are half of the list.
         void noteGone() {
+            // Destroyed when nothing is locked: what they own may use the subject.
             Conduits left;
             const std::scoped_lock lock(mutex);
             if (completion || ++gone * 2 < list.size()) return;
-            const auto firstGone =
-                std::stable_partition(list.begin(), list.end(), [](const auto& each) { return each->isLive(); });
-            left.assign(std::make_move_iterator(firstGone), std::make_move_iterator(list.end()));
-            list.erase(firstGone, list.end());
+            Conduits kept;
+            for (auto& each : list)
+                (each->isLive() ? kept : left).push_back(std::move(each));
+            list = std::move(kept);
             gone = 0;
         }
         [[nodiscard]] Conduits end(const Completion<Failure>& with) {
