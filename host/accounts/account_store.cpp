@@ -59,9 +59,13 @@ constexpr const char* schema = R"sql(
 SQLite::Database openAccounts(const std::filesystem::path& file) {
     std::error_code problem;
     std::filesystem::create_directories(file.parent_path(), problem);
-    const int descriptor = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
-    if (descriptor < 0) throw Failure(fmt::format("{}: cannot be opened: {}", file.native(), std::strerror(errno)));
-    ::close(descriptor);
+    // Only when it is new: closing a file lets go of the locks that this process has on it.
+    const int descriptor = ::open(file.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (descriptor >= 0) {
+        ::close(descriptor);
+    } else if (errno != EEXIST) {
+        throw Failure(fmt::format("{}: cannot be opened: {}", file.native(), std::strerror(errno)));
+    }
     try {
         SQLite::Database database(file.native(), SQLite::OPEN_READWRITE, busyTimeout);
         const int application = database.execAndGet("PRAGMA application_id").getInt();
@@ -211,54 +215,56 @@ std::vector<Membership> AccountStore::memberships(const std::string& email) {
     return all;
 }
 
-bool AccountStore::isThrottled(const std::string& email, Date now) {
-    auto row = bound(database_, "SELECT count(*) FROM WrongCredential WHERE email = ? AND date > ?", email,
-                     now.since1970() - wrongOnesCountFor);
-    return row.executeStep() && row.getColumn(0).getInt() >= wrongOnesAllowed;
+CredentialCheck AccountStore::check(const std::string& email, Date now, const std::function<bool()>& isRight) {
+    std::int64_t attempt = 0;
+    {
+        // Counted as wrong before it is looked at: attempts at the same time count each other.
+        SQLite::Transaction transaction(database_, SQLite::TransactionBehavior::IMMEDIATE);
+        execute(database_, "DELETE FROM WrongCredential WHERE date <= ?", now.since1970() - wrongOnesCountFor);
+        auto row = bound(database_, "SELECT count(*) FROM WrongCredential WHERE email = ?", email);
+        if (row.executeStep() && row.getColumn(0).getInt() >= wrongOnesAllowed) return CredentialCheck::throttled;
+        row.reset();
+        execute(database_, "INSERT INTO WrongCredential (email, date) VALUES (?, ?)", email, now.since1970());
+        attempt = database_.getLastInsertRowid();
+        transaction.commit();
+    }
+    if (!isRight()) return CredentialCheck::wrong;
+    execute(database_, "DELETE FROM WrongCredential WHERE rowid = ?", attempt);
+    return CredentialCheck::right;
 }
 
-void AccountStore::noteFailure(const std::string& email, Date now) {
-    execute(database_, "DELETE FROM WrongCredential WHERE date <= ?", now.since1970() - wrongOnesCountFor);
-    execute(database_, "INSERT INTO WrongCredential (email, date) VALUES (?, ?)", email, now.since1970());
-}
-
-PasswordCheck AccountStore::checkPassword(const std::string& email, std::string_view password, Date now) {
-    if (isThrottled(email, now)) return PasswordCheck::throttled;
-    auto row = bound(database_, "SELECT password FROM Account WHERE email = ?", email);
-    const bool isRight = row.executeStep() && isPassword(row.getColumn(0).getString(), password);
-    row.reset();
-    if (!isRight) noteFailure(email, now);
-    return isRight ? PasswordCheck::right : PasswordCheck::wrong;
+CredentialCheck AccountStore::checkPassword(const std::string& email, std::string_view password, Date now) {
+    return check(email, now, [&] {
+        auto row = bound(database_, "SELECT password FROM Account WHERE email = ?", email);
+        return row.executeStep() && isPassword(row.getColumn(0).getString(), password);
+    });
 }
 
 bool AccountStore::hasSecondFactor(const std::string& email) {
     return bound(database_, "SELECT 1 FROM Account WHERE email = ? AND oneTimeSecret IS NOT NULL", email).executeStep();
 }
 
-bool AccountStore::useOneTimeCode(const std::string& email, std::string_view code, Date now) {
-    if (isThrottled(email, now)) return false;
-    SQLite::Transaction transaction(database_, SQLite::TransactionBehavior::IMMEDIATE);
-    std::optional<std::int64_t> period;
-    {
-        auto row = bound(database_, "SELECT oneTimeSecret, lastOneTimePeriod FROM Account WHERE email = ?", email);
-        if (row.executeStep()) period = oneTimePeriod(row.getColumn(0).getString(), typedCode(code), now);
-        if (period && *period <= row.getColumn(1).getInt64()) period.reset();
-    }
-    if (period) {
+CredentialCheck AccountStore::useOneTimeCode(const std::string& email, std::string_view code, Date now) {
+    return check(email, now, [&] {
+        SQLite::Transaction transaction(database_, SQLite::TransactionBehavior::IMMEDIATE);
+        std::optional<std::int64_t> period;
+        {
+            auto row = bound(database_, "SELECT oneTimeSecret, lastOneTimePeriod FROM Account WHERE email = ?", email);
+            if (row.executeStep()) period = oneTimePeriod(row.getColumn(0).getString(), typedCode(code), now);
+            if (period && *period <= row.getColumn(1).getInt64()) period.reset();
+        }
+        if (!period) return false;
         execute(database_, "UPDATE Account SET lastOneTimePeriod = ? WHERE email = ?", *period, email);
-    } else {
-        noteFailure(email, now);
-    }
-    transaction.commit();
-    return period.has_value();
+        transaction.commit();
+        return true;
+    });
 }
 
-bool AccountStore::useRecoveryCode(const std::string& email, std::string_view code, Date now) {
-    if (isThrottled(email, now)) return false;
-    const bool isRight = execute(database_, "DELETE FROM RecoveryCode WHERE email = ? AND digest = ?", email,
-                                 tokenDigest(typedCode(code))) > 0;
-    if (!isRight) noteFailure(email, now);
-    return isRight;
+CredentialCheck AccountStore::useRecoveryCode(const std::string& email, std::string_view code, Date now) {
+    return check(email, now, [&] {
+        return execute(database_, "DELETE FROM RecoveryCode WHERE email = ? AND digest = ?", email,
+                       tokenDigest(typedCode(code))) > 0;
+    });
 }
 
 std::string AccountStore::addDevice(const std::string& email, std::int64_t companyID, Date now) {

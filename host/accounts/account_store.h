@@ -4,6 +4,7 @@
 #include <kestrel/foundation/date.h>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -34,10 +35,10 @@ struct SignedInDevice {
     bool isRevoked{};
 };
 
-enum class PasswordCheck : std::uint8_t {
+enum class CredentialCheck : std::uint8_t {
     right,
     wrong,
-    throttled,  ///< too many wrong ones lately: the password was not looked at
+    throttled,  ///< too many wrong ones lately: it was not looked at
 };
 
 /// What an account gets when a second factor is switched on; neither can be read again.
@@ -73,13 +74,14 @@ class AccountStore {
     /// Those that the user is in, by name, deactivated ones included.
     [[nodiscard]] std::vector<Membership> memberships(const std::string& email);
 
-    /// Five wrong passwords within five minutes, and no password is looked at until the first of them is that old.
-    [[nodiscard]] PasswordCheck checkPassword(const std::string& email, std::string_view password, Date now);
+    // Five wrong passwords and codes within five minutes, and none is looked at until the first of them is that old.
+
+    [[nodiscard]] CredentialCheck checkPassword(const std::string& email, std::string_view password, Date now);
     [[nodiscard]] bool hasSecondFactor(const std::string& email);
-    /// Whether it is the code of the moment and was not used before. Wrong ones count as wrong passwords.
-    [[nodiscard]] bool useOneTimeCode(const std::string& email, std::string_view code, Date now);
-    /// Whether it is one of those that are left; it is not any more.
-    [[nodiscard]] bool useRecoveryCode(const std::string& email, std::string_view code, Date now);
+    /// Right when it is the code of the moment and was not used before.
+    [[nodiscard]] CredentialCheck useOneTimeCode(const std::string& email, std::string_view code, Date now);
+    /// Right when it is one of those that are left; it is not any more.
+    [[nodiscard]] CredentialCheck useRecoveryCode(const std::string& email, std::string_view code, Date now);
 
     /// Signs a device in; the token by which it is known.
     [[nodiscard]] std::string addDevice(const std::string& email, std::int64_t companyID, Date now);
@@ -90,8 +92,7 @@ class AccountStore {
   private:
     void requireAccount(const std::string& email);
     [[nodiscard]] std::int64_t requiredCompany(const std::string& name);
-    [[nodiscard]] bool isThrottled(const std::string& email, Date now);
-    void noteFailure(const std::string& email, Date now);
+    [[nodiscard]] CredentialCheck check(const std::string& email, Date now, const std::function<bool()>& isRight);
 
     std::filesystem::path file_;
     SQLite::Database database_;

@@ -168,6 +168,7 @@ class LoginWalk {
 /// Takes up the last session. A Failure when it had to end.
 void resume(Runtime& runtime) {
     const auto forced = awaited(std::as_const(runtime)[login].resume());
+    if (!forced) throw failureOf(forced.error());
     if (!forced->empty()) {
         const ForcedLogout& logout = forced->front();
         throw Failure(fmt::format("{} ({})", lineOf(userErrorMessage(logout)), rawValue(logout.reason)));

@@ -3,12 +3,12 @@
 namespace kestrel::host {
 
 AnyPublisher<Never> LocalSession::logOut(std::optional<ForcedLogout> reason) {
-    return create<Never>([this, reason = std::move(reason)](const Emitter<Never, Never>& emitter) {
-        forcedLogout_ = reason;
-        state_.send(SessionState::loggingOut());
-        forget_();
-        currentUser_.send(std::nullopt);
-        state_.send(SessionState::loggedOut());
+    return create<Never>([self = shared_from_this(), reason = std::move(reason)](const Emitter<Never, Never>& emitter) {
+        self->forcedLogout_ = reason;
+        self->move(SessionState::loggingOut());
+        self->forget_();
+        self->currentUser_.send(std::nullopt);
+        self->move(SessionState::loggedOut());
         emitter.finish();
         return AnyCancellable();
     });

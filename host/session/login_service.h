@@ -29,8 +29,9 @@ class LoginService : public ServiceProtocol {
     [[nodiscard]] virtual AnyPublisher<Never> cancelLogin() = 0;
 
     /// Takes up the session that was left when the program last ended. Gives the order to sign out, carried out, when
-    /// the session may not go on, else finishes; nothing happens when there is none.
-    [[nodiscard]] virtual AnyPublisher<ForcedLogout> resume() = 0;
+    /// the session may not go on, else finishes; nothing happens when there is none. One that cannot be taken up now,
+    /// for the accounts or the database cannot be read, is left for later: a failure.
+    [[nodiscard]] virtual AnyPublisher<ForcedLogout, LoginError> resume() = 0;
     /// Whether the password is that of the user who is signed in, to unlock the program.
     [[nodiscard]] virtual AnyPublisher<Never, CredentialValidationError> unlock(std::string password) = 0;
 };

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 #include <host/command/geocode_command.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <tests/platform/loopback_server.h>
 
+#include <algorithm>
 #include <chrono>
 #include <future>
 #include <string>
@@ -97,6 +100,27 @@ TEST_F(Desktop, opensURLsInTheApplicationOfTheirScheme) {
     EXPECT_EQ(readFile(folder / "opened"), "x-test:some%20thing?a=b");
     addHandler("x-test", folder / "missing");
     EXPECT_EQ(run({"open", "x-test:1"}).exitCode, 1) << "an application that is not there";
+}
+
+TEST_F(Desktop, isNotWaitedForWithoutEndWhenItsBusHangs) {
+    // A bus that takes connections and never answers.
+    const int bus = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    const std::string place = folder / "bus";
+    ASSERT_LT(place.size(), sizeof address.sun_path);
+    std::ranges::copy(place, address.sun_path);
+    ASSERT_EQ(::bind(bus, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(::listen(bus, 16), 0);
+    addHandler("x-test", "/bin/true");
+    const Outcome opened =
+        kestrel({"open", "x-test:1"}, {.environment = {{"XDG_CONFIG_HOME", folder / "config"},
+                                                       {"XDG_DATA_HOME", folder / "data"},
+                                                       {"XDG_DATA_DIRS", folder / "nothing"},
+                                                       {"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + place}}});
+    ::close(bus);
+    // Some versions of GIO do not ask the bus.
+    EXPECT_TRUE(opened.exitCode == 0 || opened.errors.find("did not answer") != opened.errors.npos) << opened.errors;
 }
 
 TEST_F(Desktop, findsThePlaceOfAnAddress) {

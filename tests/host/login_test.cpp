@@ -2,10 +2,15 @@
 #include <host/accounts/account_store.h>
 #include <host/accounts/secrets.h>
 #include <host/failure.h>
+#include <host/session/account_login.h>
+#include <kestrel/testing/test_services_module.h>
 #include <sys/stat.h>
 
+#include <memory>
+#include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support.h"
@@ -189,6 +194,80 @@ TEST_F(Login, keepsSecretsOutOfItsFiles) {
     EXPECT_GE(files, 2U);
 }
 
+TEST_F(Login, isTakenUpOnlyWithItsOwnAccountsAndWaitsWhileTheyCannotBeRead) {
+    ASSERT_EQ(run({"login", "moses@example.com"}, "secret\n").exitCode, 0);
+    EXPECT_EQ(run({"login", "--status", "--accounts", folder / "others.sqlite"}).output, "Nobody is signed in.\n");
+    EXPECT_EQ(status(), "Moses Frase is signed in to Acme.\n") << "another file changes nothing";
+
+    std::filesystem::rename(accounts, folder / "kept.sqlite");
+    for (const char* suffix : {"-wal", "-shm"})
+        std::filesystem::remove(accounts.native() + suffix);
+    writeText(accounts, "This is no file of accounts, however long it may be.");
+    EXPECT_NE(run({"login", "--status"}).errors.find("The accounts cannot be read."), std::string::npos);
+    std::filesystem::rename(folder / "kept.sqlite", accounts);
+    EXPECT_EQ(status(), "Moses Frase is signed in to Acme.\n");
+
+    const Outcome failed = run({"login", "nobody@example.com"}, "secret\n");
+    EXPECT_EQ(failed.exitCode, 1);
+    EXPECT_EQ(statesOf(failed), (States{"loggingIn", "loggedOut"})) << "a login that has not begun ends at once";
+}
+
+TEST_F(Login, neverLetsOneUserInForAnother) {
+    {
+        AccountStore store(accounts);
+        store.addCompany("Zenith", database, false);
+        store.join("moses@example.com", "Zenith", "Moses Frase");
+        store.addAccount("donn@example.com", "other");
+        store.join("donn@example.com", "Acme", "Donn Cantrell");
+        store.join("donn@example.com", "Zenith", "Donn Cantrell");
+    }
+    TestServicesModule desktop;
+    Runtime runtime(desktop);
+    std::shared_ptr<SessionService> session;
+    std::optional<AnyPublisher<Never, CredentialValidationError>> unlocking;
+    {
+        const auto accountLogin = std::make_shared<AccountLogin>(accounts, runtime.find(services::systemClock),
+                                                                 runtime.find(services::systemDefaults));
+        session = accountLogin->session();
+        const auto taken = [](const AnyPublisher<LoginState, LoginError>& step) {
+            std::optional<LoginState> state;
+            std::optional<LoginError> error;
+            const auto taking = step.sink([&](const LoginState& next) { state = next; },
+                                          [&](const Completion<LoginError>& end) { error = end.failure(); });
+            return std::pair(state, error);
+        };
+        using Credentials = AuthenticationCredentialSet;
+        const auto offered = taken(accountLogin->authenticate(Credentials::basic("moses@example.com", "secret"))).first;
+        ASSERT_TRUE(offered && offered->selectCompany());
+        EXPECT_TRUE(taken(accountLogin->authenticate(Credentials::basic("donn@example.com", "guess"))).second);
+        const auto entered = taken(accountLogin->selectCompany(offered->selectCompany()->front()));
+        EXPECT_EQ(entered.second, std::nullopt);
+        EXPECT_EQ(accountLogin->session()->current().loggedIn(), SessionState::LoggedIn::ready);
+
+        const auto unlocks = [&](const std::string& password) {
+            bool isUnlocked = false;
+            const auto trying = accountLogin->unlock(password).sink(
+                [&](const Completion<CredentialValidationError>& end) { isUnlocked = end.isFinished(); });
+            return isUnlocked;
+        };
+        (void)taken(accountLogin->authenticate(Credentials::basic("donn@example.com", "other")));
+        const auto cancelling = accountLogin->cancelLogin().sink([](const Completion<Never>&) {});
+        EXPECT_EQ(accountLogin->session()->current().loggedIn(), SessionState::LoggedIn::ready)
+            << "a login that is given up leaves the session";
+        EXPECT_FALSE(unlocks("other"));
+        EXPECT_TRUE(unlocks("secret"));
+        unlocking = accountLogin->unlock("secret");
+    }
+    std::optional<CurrentUserInfo> user;
+    const auto watching = session->currentUser().sink([&](const auto& each) { user = each; });
+    EXPECT_EQ(user ? user->username : std::nullopt, "Moses Frase");
+    // The session and steps under way may last longer than the login.
+    const auto unlocked = unlocking->sink([](const Completion<CredentialValidationError>&) {});
+    const auto ending = session->logOut(std::nullopt).sink([](const Completion<Never>&) {});
+    EXPECT_EQ(user, std::nullopt);
+    EXPECT_EQ(desktop.userDefaults->object("DeviceToken"), std::nullopt);
+}
+
 TEST(Secrets, areTheOnesOfTheStandards) {
     // The vector of RFC 6238 for SHA-1, whose secret is "12345678901234567890".
     const std::string secret = "GEZDGNBVGY3TQOJQGEZDGNBVGY3TQOJQ";
@@ -225,12 +304,12 @@ TEST(AccountStore, refusesTheFilesOfOthersAndKeepsThrottlingToTheAccount) {
     EXPECT_THROW(accounts.join("ada@example.com", "Nowhere", "Ada"), Failure);
     const Date now(1'000);
     for (int i = 0; i < 5; ++i)
-        EXPECT_EQ(accounts.checkPassword("ada@example.com", "x", now + i), PasswordCheck::wrong);
-    EXPECT_EQ(accounts.checkPassword("Ada@example.com", "one", now + 10), PasswordCheck::throttled);
-    EXPECT_EQ(accounts.checkPassword("bob@example.com", "two", now + 10), PasswordCheck::right);
-    EXPECT_EQ(accounts.checkPassword("ada@example.com", "one", now + 300), PasswordCheck::right)
+        EXPECT_EQ(accounts.checkPassword("ada@example.com", "x", now + i), CredentialCheck::wrong);
+    EXPECT_EQ(accounts.checkPassword("Ada@example.com", "one", now + 10), CredentialCheck::throttled);
+    EXPECT_EQ(accounts.checkPassword("bob@example.com", "two", now + 10), CredentialCheck::right);
+    EXPECT_EQ(accounts.checkPassword("ada@example.com", "one", now + 300), CredentialCheck::right)
         << "the first wrong one is five minutes old";
-    EXPECT_EQ(accounts.checkPassword("nobody@example.com", "one", now), PasswordCheck::wrong);
+    EXPECT_EQ(accounts.checkPassword("nobody@example.com", "one", now), CredentialCheck::wrong);
 }
 
 }  // namespace

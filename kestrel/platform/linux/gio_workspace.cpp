@@ -36,12 +36,41 @@ void append(std::vector<GLibOwned<GAppInfo>>& applications, GList* list) {
     g_list_free(list);
 }
 
+/// A launch under way. GIO asks the session bus on the way and waits for it without a limit, in a thread of its own:
+/// who waits here is answered after a while whatever becomes of that. Both callbacks hold it.
+struct Launch {
+    Workspace::CompletionHandler handler;
+    guint timeout = 0;
+
+    /// Answers, the first time.
+    void report(std::optional<PlatformError> error) noexcept {
+        if (auto answer = std::exchange(handler, nullptr)) answer(std::move(error));
+    }
+};
+using LaunchReference = std::shared_ptr<Launch>;
+
+constexpr guint secondsToLaunch = 5;
+
 void reportLaunch(GObject* /*source*/, GAsyncResult* result, gpointer user) noexcept {
-    const std::unique_ptr<Workspace::CompletionHandler> handler(static_cast<Workspace::CompletionHandler*>(user));
+    const std::unique_ptr<LaunchReference> launch(static_cast<LaunchReference*>(user));
+    if (const guint timeout = std::exchange((*launch)->timeout, 0); timeout != 0) g_source_remove(timeout);
     GError* failure = nullptr;
-    if (g_app_info_launch_default_for_uri_finish(result, &failure) != FALSE) return (*handler)(std::nullopt);
+    if (g_app_info_launch_default_for_uri_finish(result, &failure) != FALSE) return (*launch)->report(std::nullopt);
     const GLibError error(failure);
-    (*handler)(platform::platformError(*error));
+    (*launch)->report(platform::platformError(*error));
+}
+
+gboolean giveUpLaunch(gpointer user) noexcept {
+    const LaunchReference launch = *static_cast<LaunchReference*>(user);
+    launch->timeout = 0;
+    const GLibError error(
+        g_error_new_literal(G_IO_ERROR, G_IO_ERROR_TIMED_OUT, "The desktop did not answer: its session bus hangs"));
+    launch->report(platform::platformError(*error));
+    return G_SOURCE_REMOVE;
+}
+
+void releaseLaunch(gpointer user) noexcept {
+    delete static_cast<LaunchReference*>(user);
 }
 
 bool isWithin(double number, double limit) {
@@ -75,8 +104,11 @@ std::vector<std::string> GIOWorkspace::applicationsToOpen(const URL& url) const 
 }
 
 void GIOWorkspace::open(const URL& url, CompletionHandler completionHandler) {
-    auto handler = std::make_unique<CompletionHandler>(std::move(completionHandler));
-    g_app_info_launch_default_for_uri_async(url.text().c_str(), nullptr, nullptr, reportLaunch, handler.release());
+    const auto launch = std::make_shared<Launch>(std::move(completionHandler));
+    launch->timeout = g_timeout_add_seconds_full(G_PRIORITY_DEFAULT, secondsToLaunch, giveUpLaunch,
+                                                 new LaunchReference(launch), releaseLaunch);
+    g_app_info_launch_default_for_uri_async(url.text().c_str(), nullptr, nullptr, reportLaunch,
+                                            new LaunchReference(launch));
 }
 
 bool GeoURIMapApplication::open(const MapItem& item) {

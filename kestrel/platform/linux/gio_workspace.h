@@ -14,8 +14,8 @@ namespace kestrel {
 /// own `MimeType=` line is not enough.
 ///
 /// Errors are GIO's: "g-io-error-quark" with G_IO_ERROR_NOT_SUPPORTED where no application opens the URL. One whose
-/// program is missing is none. Handed over means that the program was started; GIO does so through a helper, and what
-/// fails from there on nobody reports.
+/// program is missing is none. A desktop that does not answer for five seconds is G_IO_ERROR_TIMED_OUT. Handed over
+/// means that the program was started; GIO does so through a helper, and what fails from there on nobody reports.
 class GIOWorkspace final : public Workspace {
   public:
     [[nodiscard]] std::vector<std::string> applicationsToOpen(const URL& url) const override;
