@@ -24,6 +24,11 @@ std::string_view typeOf(const DefaultsValue& value) {
     return typeNames.at(value.index());
 }
 
+/// What signs a user in is stored here too, and shown nowhere.
+bool isSecret(std::string_view key) {
+    return key == "DeviceToken" || key == "LastPasswordHash";
+}
+
 std::string textOf(const DefaultsValue& value) {
     struct Text {
         std::string operator()(const std::string& text) const { return text; }
@@ -104,6 +109,7 @@ void getDefaults(const DefaultsOptions& options, Output& output, const Terminal&
     if (!options.key.empty()) {
         const auto value = preferences.service().readStored(options.key, anyValue);
         if (!value) throw Failure(fmt::format("\"{}\" is not set", options.key));
+        if (isSecret(options.key)) throw Failure(fmt::format("\"{}\" is secret", options.key));
         if (options.isJSON) return writeJSONLine(entryJSON(options.key, value), output, terminal);
         return output.write((terminal.isTerminal ? printable(textOf(*value)) : textOf(*value)) + "\n");
     }
@@ -111,7 +117,7 @@ void getDefaults(const DefaultsOptions& options, Output& output, const Terminal&
     Table table(3);
     for (const std::string& key : preferences.store().keys()) {
         const auto value = preferences.service().readStored(key, anyValue);
-        if (!value) continue;
+        if (!value || isSecret(key)) continue;
         entries.push_back(entryJSON(key, value));
         table.add({key, std::string(typeOf(*value)), textOf(*value)});
     }
@@ -136,7 +142,7 @@ void watchDefaults(const DefaultsOptions& options, Output& output, const Termina
     const auto snapshot = [&] {
         std::map<std::string, DefaultsValue> values;
         for (const std::string& key : preferences.store().keys()) {
-            if (!options.key.empty() && key != options.key) continue;
+            if (isSecret(key) || (!options.key.empty() && key != options.key)) continue;
             if (auto value = preferences.service().readStored(key, anyValue)) values.emplace(key, *std::move(value));
         }
         return values;

@@ -192,6 +192,11 @@ TEST_F(Login, keepsSecretsOutOfItsFiles) {
         }
     }
     EXPECT_GE(files, 2U);
+    const std::string shown = run({"defaults", "get"}).output;
+    EXPECT_NE(shown.find("LastUsername"), shown.npos);
+    EXPECT_EQ(shown.find("DeviceToken"), shown.npos) << shown;
+    EXPECT_EQ(shown.find("argon2"), shown.npos) << shown;
+    EXPECT_EQ(run({"defaults", "get", "DeviceToken"}).exitCode, 1);
 }
 
 TEST_F(Login, isTakenUpOnlyWithItsOwnAccountsAndWaitsWhileTheyCannotBeRead) {

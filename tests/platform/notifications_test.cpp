@@ -204,6 +204,19 @@ TEST_F(Notifications, areNotWaitedForLongerThanTwoSeconds) {
         permissions.hang();
         EXPECT_EQ(ask().settings.notificationCenterSetting, enabled);
     }
+    {
+        // One that says who it is, and not what it can do.
+        const SessionBus bus;
+        BusMember server(bus, serverName);
+        server.have("/org/freedesktop/Notifications",
+                    R"(<node><interface name='org.freedesktop.Notifications'>
+                         <method name='GetServerInformation'><arg type='s' direction='out'/>
+                           <arg type='s' direction='out'/><arg type='s' direction='out'/>
+                           <arg type='s' direction='out'/></method>
+                       </interface></node>)",
+                    [](std::string_view) { return g_variant_new("(ssss)", "half", "Example", "1", "1.2"); });
+        expectNothingKnown(ask(), "the notification server does not answer");
+    }
     // A bus that lets nobody in.
     const ScratchFolder scratch;
     const auto path = (scratch.path() / "bus").native();

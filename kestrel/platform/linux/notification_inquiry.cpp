@@ -192,6 +192,7 @@ class Inquiry : public std::enable_shared_from_this<Inquiry> {
     }
     void takeCapabilities(GVariant* reply, const GError* /*error*/) {
         if (reply == nullptr) return;
+        hasCapabilities_ = true;
         const GLibOwned<GVariant> list(g_variant_get_child_value(reply, 0));
         for (gsize i = 0; i < g_variant_n_children(list.get()); ++i) {
             const GLibOwned<GVariant> item(g_variant_get_child_value(list.get(), i));
@@ -224,6 +225,11 @@ class Inquiry : public std::enable_shared_from_this<Inquiry> {
         g_cancellable_cancel(cancellable_.get());
         if (connection_) close(connection_.get());
         connection_.reset();
+        // One that says who it is and not what it can do has not answered: nothing is known of it.
+        if (evidence_.server && !hasCapabilities_) {
+            evidence_.server.reset();
+            problem_ = hangingProblem();
+        }
         if (evidence_.server) {
             evidence_.server->capabilities = std::move(capabilities_);
             evidence_.desktop = desktopSettings(identifier_);
@@ -243,6 +249,7 @@ class Inquiry : public std::enable_shared_from_this<Inquiry> {
     int pending_ = 0;
     NotificationEvidence evidence_{};
     std::vector<std::string> capabilities_{};
+    bool hasCapabilities_ = false;
     std::string problem_{};
 };
 
