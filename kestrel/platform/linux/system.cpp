@@ -100,7 +100,7 @@ void quitMainLoop() {
 
 fs::path standardUserDefaultsFile() {
     const char* configured = std::getenv("XDG_CONFIG_HOME");
-    // A relative path there does not count, says the XDG base directory specification.
+    // A relative path there does not count, by the XDG rules for base directories.
     const fs::path folder =
         configured != nullptr && *configured == '/' ? fs::path(configured) : homeFolder() / ".config";
     // The identifier names one folder, whatever it is.
