@@ -7,8 +7,8 @@
 
 namespace kestrel::host {
 
-/// The services of the system, and those of a database as a user may see it; without a user, as nobody may. Neither
-/// the file nor the name are looked at before a service is asked for something.
+/// The services of the system, those of a database as a user may see it, without a user as nobody may, and the session
+/// and the login of this machine's accounts. No file and no name is looked at before a service is asked for something.
 [[nodiscard]] Runtime makeHostRuntime(const std::filesystem::path& database, std::optional<std::string> user);
 
 }  // namespace kestrel::host

@@ -407,8 +407,8 @@ TEST_F(HostServices, completeTasksAndSingleOccurrences) {
 TEST(HostRuntime, hasTheServicesOfTheSystemForThoseWhoAsk) {
     Runtime runtime = makeHostRuntime("/nowhere/crm.db", "nobody");
     EXPECT_LT(std::abs(runtime[services::systemClock].now() - Date::now()), 60);
-    for (const auto& protocol :
-         {"AddressGeocoderService", "SystemUserDefaultsService", "SystemNotificationsService", "ContactsService"})
+    for (const auto& protocol : {"AddressGeocoderService", "SystemUserDefaultsService", "SystemNotificationsService",
+                                 "ContactsService", "SessionService", "LoginStorageService", "LoginService"})
         EXPECT_THAT(runtime.installedProtocols(), testing::Contains(HasSubstr(protocol)));
 }
 
