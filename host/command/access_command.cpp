@@ -110,7 +110,7 @@ std::string verdictJSON(const Verdict& verdict, const User& user, const Director
 
 void accessCommand(const AccessOptions& options, Output& output, const Terminal& terminal) {
     const AnyObjectID id = identifierOf(options.record);
-    Runtime runtime = makeHostRuntime(options.database, options.user);
+    Runtime runtime = makeUserRuntime(options.database, options.user);
     RecordsService& records = runtime[host_services::records];
     const RecordAccess access = valueOf(records.decideAccess(id), id);
     const Directory directory = valueOf(records.fetchDirectory());

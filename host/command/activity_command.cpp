@@ -27,7 +27,7 @@ void activityCommand(const ActivityOptions& options, Output& output, const Termi
         throw WrongUsage(fmt::format("there is no activity of {}; there is of: {}", id.stringValue(),
                                      listed(activitySourceEntities())));
     }
-    Runtime runtime = makeHostRuntime(options.database, options.user);
+    Runtime runtime = makeUserRuntime(options.database, options.user);
     RecordsService& records = runtime[host_services::records];
     const User user = valueOf(records.fetchUser());
     CalendarMoment at{.calendar = calendarOf(user), .now = Date::now()};

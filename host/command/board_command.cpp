@@ -43,7 +43,7 @@ BoardLists listsOf(Runtime& runtime) {
 }
 
 BoardPicture pictureOf(const BoardOptions& options) {
-    Runtime runtime = makeHostRuntime(options.database, options.user);
+    Runtime runtime = makeUserRuntime(options.database, options.user);
     const User user = valueOf(runtime[host_services::records].fetchUser());
     BoardPicture picture{.userName = shownName(user), .limit = options.limit.value_or(usualLimit)};
     if (options.at) picture.at.now = momentOf(*options.at, picture.at.calendar);

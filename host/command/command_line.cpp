@@ -279,9 +279,14 @@ class CommandLine {
     static void addDatabase(CLI::App* command, std::string& database) {
         command->add_option("-d,--database", database, "The database")->required()->type_name("FILE");
     }
-    static void addUser(CLI::App* command, std::string& user) {
-        command->add_option("-u,--user", user, "Who looks: a name, or a name to sign in with; case does not matter")
-            ->required()
+    /// For commands that show a database to a user.
+    static void addView(CLI::App* command, std::string& database, std::string& user) {
+        command->add_option("-d,--database", database, "The database; that of who is signed in when not given")
+            ->type_name("FILE");
+        command
+            ->add_option(
+                "-u,--user", user,
+                "Who looks: a name, or a name to sign in with, whatever its case; who is signed in when not given")
             ->type_name("NAME");
     }
     static void addJSON(CLI::App* command, bool& isJSON) {
@@ -314,8 +319,7 @@ class CommandLine {
                                            boardCommand(board_, output, terminal);
                                            return success;
                                        });
-        addDatabase(command, board_.database);
-        addUser(command, board_.user);
+        addView(command, board_.database, board_.user);
         command->add_option("-f,--filter", board_.filters, "Show only what passes; may be given several times")
             ->allow_extra_args(false)
             ->type_name("KEY=VALUE");
@@ -340,8 +344,7 @@ class CommandLine {
         command->add_option("RECORD", contact_.record, "The contact: Contact/12, its key 12, or its name")
             ->required()
             ->type_name("");
-        addDatabase(command, contact_.database);
-        addUser(command, contact_.user);
+        addView(command, contact_.database, contact_.user);
         command
             ->add_option("-l,--locale", contact_.locale, "Write names as people of this locale do, such as de or ja_JP")
             ->type_name("LOCALE");
@@ -354,8 +357,7 @@ class CommandLine {
                                            contactsCommand(contacts_, output, terminal);
                                            return success;
                                        });
-        addDatabase(command, contacts_.database);
-        addUser(command, contacts_.user);
+        addView(command, contacts_.database, contacts_.user);
         command->add_option("-s,--search", contacts_.search, "List only contacts that have this text")
             ->type_name("TEXT");
         command->add_option("-n,--limit", contacts_.limit, "Contacts to list, 0 for all (50; with --json all)")
@@ -371,8 +373,7 @@ class CommandLine {
                                            return success;
                                        });
         addRecord(command, activity_.record);
-        addDatabase(command, activity_.database);
-        addUser(command, activity_.user);
+        addView(command, activity_.database, activity_.user);
         command->add_option("-n,--limit", activity_.limit, "Items to show, 0 for all (20)")
             ->check(countProblem("items"))
             ->type_name("N");
@@ -388,8 +389,7 @@ class CommandLine {
                                            return success;
                                        });
         addRecord(command, links_.record);
-        addDatabase(command, links_.database);
-        addUser(command, links_.user);
+        addView(command, links_.database, links_.user);
         addJSON(command, links_.isJSON);
     }
 
@@ -400,8 +400,7 @@ class CommandLine {
                                            return success;
                                        });
         addRecord(command, access_.record);
-        addDatabase(command, access_.database);
-        addUser(command, access_.user);
+        addView(command, access_.database, access_.user);
         addJSON(command, access_.isJSON);
     }
 

@@ -16,7 +16,7 @@ namespace kestrel::host {
 void contactCommand(const ContactOptions& options, Output& output, const Terminal& terminal) {
     if (!options.locale.empty() && !isLocale(options.locale))
         throw WrongUsage(fmt::format("\"{}\" is no locale; write de, de-AT or ja_JP.UTF-8", options.locale));
-    Runtime runtime = makeHostRuntime(options.database, options.user);
+    Runtime runtime = makeUserRuntime(options.database, options.user);
     RecordsService& records = runtime[host_services::records];
     const ObjectID<Contact> id = valueOf(records.findContact(options.record, options.locale));
     ContactInfo info = valueOf(runtime[services::contacts].fetchContactInfo(id), id);

@@ -13,7 +13,7 @@ constexpr std::size_t usualLimit = 50;
 
 void contactsCommand(const ContactsOptions& options, Output& output, const Terminal& terminal) {
     if (options.search && options.search->empty()) throw WrongUsage("the text to search for is empty");
-    Runtime runtime = makeHostRuntime(options.database, options.user);
+    Runtime runtime = makeUserRuntime(options.database, options.user);
     const ContactListQuery query{.search = options.search,
                                  .limit = options.limit.value_or(options.isJSON ? 0 : usualLimit)};
     const ContactList list = valueOf(runtime[services::contacts].fetchContacts(query));

@@ -53,7 +53,7 @@ void linksCommand(const LinksOptions& options, Output& output, const Terminal& t
         throw WrongUsage(fmt::format("contacts are not linked to {}; they are to: {}", id.stringValue(),
                                      listed(linkTargetEntities())));
     }
-    Runtime runtime = makeHostRuntime(options.database, options.user);
+    Runtime runtime = makeUserRuntime(options.database, options.user);
     const std::vector<LinkedContact> links =
         valueOf(runtime[services::contacts].fetchLinks(ContactLinkQuery::destination(*target)), id);
     if (options.isJSON) return writeJSONLine(linksJSON(links), output, terminal);

@@ -20,21 +20,6 @@ std::filesystem::path accountsFile(const std::string& given) {
     return given.empty() ? AccountStore::standardFile() : std::filesystem::path(given);
 }
 
-std::string lineOf(const UserErrorMessage& message) {
-    std::string line = message.title;
-    const std::optional<std::string>& more = message.message;
-    if (more) line += (line.ends_with('.') ? " " : ": ") + *more;
-    std::ranges::replace(line, '\n', ' ');
-    return line;
-}
-
-/// What a step that failed is told as.
-Failure failureOf(const LoginError& error) {
-    const auto message = userErrorMessage(error);
-    return Failure(
-        fmt::format("{} ({})", message ? lineOf(*message) : "the login was given up", rawValue(error.caseName())));
-}
-
 /// Writes the states of login and session as they come.
 class StateWriter {
   public:
@@ -165,16 +150,6 @@ class LoginWalk {
     Runtime* runtime_;
 };
 
-/// Takes up the last session. A Failure when it had to end.
-void resume(Runtime& runtime) {
-    const auto forced = awaited(std::as_const(runtime)[login].resume());
-    if (!forced) throw failureOf(forced.error());
-    if (!forced->empty()) {
-        const ForcedLogout& logout = forced->front();
-        throw Failure(fmt::format("{} ({})", lineOf(userErrorMessage(logout)), rawValue(logout.reason)));
-    }
-}
-
 /// Who is signed in; absent when nobody is.
 std::optional<CurrentUserInfo> currentUser(Runtime& runtime) {
     return awaited(runtime[services::session].currentUser().first()).value().at(0);
@@ -222,7 +197,7 @@ std::string newPassword() {
 void loginCommand(const LoginOptions& options, Output& output, const Terminal& terminal) {
     Runtime runtime(SystemServicesModule{}, SessionModule{.accountsFile = accountsFile(options.accounts)});
     if (options.asksForStatus || options.unlocks) {
-        resume(runtime);
+        resumeSession(runtime);
         return options.unlocks ? unlock(runtime) : writeStatus(runtime, options.isJSON, output, terminal);
     }
     LoginOptions walked = options;
@@ -236,7 +211,7 @@ void loginCommand(const LoginOptions& options, Output& output, const Terminal& t
 
 void logoutCommand(const LoginOptions& options, Output& output, const Terminal& terminal) {
     Runtime runtime(SystemServicesModule{}, SessionModule{.accountsFile = accountsFile(options.accounts)});
-    resume(runtime);
+    resumeSession(runtime);
     if (!currentUser(runtime)) throw Failure("nobody is signed in");
     const StateWriter states(runtime, options.isJSON, output, terminal);
     (void)awaited(runtime[services::session].logOut(std::nullopt));

@@ -324,6 +324,7 @@ AccountLogin::Step AccountLogin::enter(const Membership& membership) {
 
 void AccountLogin::setSignedIn(const std::string& email, const Membership& membership, const std::string& userName) {
     signedInEmail_ = email;
+    signedInTo_ = membership;
     session_->setCurrentUser(CurrentUserInfo{
         .username = userName, .companyID = membership.companyID, .companyName = membership.companyName});
     session_->move(SessionState::loggedIn(SessionState::LoggedIn::ready));
@@ -383,6 +384,10 @@ std::expected<std::optional<ForcedLogout>, LoginError> AccountLogin::takeUp() {
     if (!userName) return std::unexpected(userName.error());
     setSignedIn(device->email, membership, *userName);
     return std::nullopt;
+}
+
+std::optional<Membership> AccountLogin::signedInTo() const {
+    return session_->current().loggedIn() ? signedInTo_ : std::nullopt;
 }
 
 AnyPublisher<Never, CredentialValidationError> AccountLogin::unlock(std::string password) {

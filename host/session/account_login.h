@@ -36,6 +36,7 @@ class AccountLogin final : public LoginService, public std::enable_shared_from_t
     [[nodiscard]] AnyPublisher<LoginState, LoginError> selectCompany(const LoginState::Company& company) override;
     [[nodiscard]] AnyPublisher<Never> cancelLogin() override;
     [[nodiscard]] AnyPublisher<ForcedLogout, LoginError> resume() override;
+    [[nodiscard]] std::optional<Membership> signedInTo() const override;
     [[nodiscard]] AnyPublisher<Never, CredentialValidationError> unlock(std::string password) override;
 
   private:
@@ -78,8 +79,9 @@ class AccountLogin final : public LoginService, public std::enable_shared_from_t
     SessionState before_ = SessionState::loggedOut();
     /// Whom the companies were offered to.
     std::optional<Authenticated> authenticated_;
-    /// The account of who is signed in.
+    /// The account of who is signed in, and the company.
     std::string signedInEmail_;
+    std::optional<Membership> signedInTo_;
 };
 
 }  // namespace kestrel::host

@@ -1,6 +1,8 @@
 #include <fmt/format.h>
 #include <host/session/login_service.h>
 
+#include <algorithm>
+
 namespace kestrel::host {
 
 std::optional<UserErrorMessage> userErrorMessage(const LoginError& error) {
@@ -54,6 +56,30 @@ UserErrorMessage userErrorMessage(const ForcedLogout& logout) {
         case migrationFailure: return titled("The database could not be brought to the current schema.");
     }
     return UserErrorMessage::unexpectedError();
+}
+
+std::string lineOf(const UserErrorMessage& message) {
+    std::string line = message.title;
+    const std::optional<std::string>& more = message.message;
+    if (more) line += (line.ends_with('.') ? " " : ": ") + *more;
+    std::ranges::replace(line, '\n', ' ');
+    return line;
+}
+
+Failure failureOf(const LoginError& error) {
+    const auto message = userErrorMessage(error);
+    return Failure(
+        fmt::format("{} ({})", message ? lineOf(*message) : "the login was given up", rawValue(error.caseName())));
+}
+
+void resumeSession(const Runtime& runtime) {
+    std::optional<ForcedLogout> forced;
+    std::optional<LoginError> problem;
+    const auto resuming =
+        runtime[login].resume().sink([&](const ForcedLogout& logout) { forced = logout; },
+                                     [&](const Completion<LoginError>& end) { problem = end.failure(); });
+    if (problem) throw failureOf(*problem);
+    if (forced) throw Failure(fmt::format("{} ({})", lineOf(userErrorMessage(*forced)), rawValue(forced->reason)));
 }
 
 }  // namespace kestrel::host

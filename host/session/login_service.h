@@ -1,6 +1,9 @@
 #pragma once
 
+#include <host/accounts/account_store.h>
+#include <host/failure.h>
 #include <kestrel/reactive/publisher.h>
+#include <kestrel/runtime/runtime.h>
 #include <kestrel/runtime/service_protocol.h>
 #include <kestrel/session/credential_validation_error.h>
 #include <kestrel/session/credentials.h>
@@ -32,6 +35,8 @@ class LoginService : public ServiceProtocol {
     /// the session may not go on, else finishes; nothing happens when there is none. One that cannot be taken up now,
     /// for the accounts or the database cannot be read, is left for later: a failure.
     [[nodiscard]] virtual AnyPublisher<ForcedLogout, LoginError> resume() = 0;
+    /// The company that the user is signed in to; absent while nobody is.
+    [[nodiscard]] virtual std::optional<Membership> signedInTo() const = 0;
     /// Whether the password is that of the user who is signed in, to unlock the program.
     [[nodiscard]] virtual AnyPublisher<Never, CredentialValidationError> unlock(std::string password) = 0;
 };
@@ -41,5 +46,12 @@ inline constexpr ServiceKey<LoginService> login;
 /// What a user sees of a failed login; nothing when the user cancelled.
 [[nodiscard]] std::optional<UserErrorMessage> userErrorMessage(const LoginError& error);
 [[nodiscard]] UserErrorMessage userErrorMessage(const ForcedLogout& logout);
+
+/// The message on one line.
+[[nodiscard]] std::string lineOf(const UserErrorMessage& message);
+/// What a step that failed is told as: its message and the name of its case.
+[[nodiscard]] Failure failureOf(const LoginError& error);
+/// Takes up the last session of a runtime with a LoginService. A Failure when it had to end, or cannot be taken up now.
+void resumeSession(const Runtime& runtime);
 
 }  // namespace kestrel::host

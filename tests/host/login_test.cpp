@@ -81,6 +81,21 @@ TEST_F(Login, walksTheStatesAndLastsUntilTheUserSignsOut) {
     EXPECT_EQ(run({"logout"}).exitCode, 1);
 }
 
+TEST_F(Login, saysWhoLooksAtWhichDatabase) {
+    EXPECT_EQ(run({"contacts"}).exitCode, 2);
+    EXPECT_EQ(run({"board", "--user", "Moses Frase"}).exitCode, 2);
+    ASSERT_EQ(run({"login", "moses@example.com"}, "secret\n").exitCode, 0);
+    const Outcome named = run({"board", "--database", database, "--user", "Moses Frase"});
+    ASSERT_NE(named.output.find("GTX Pro"), named.output.npos) << named.errors;
+    EXPECT_EQ(run({"board"}).output, named.output);
+    EXPECT_EQ(run({"board", "--database", database}).output, named.output);
+    std::filesystem::copy_file(database, folder / "other.db");
+    EXPECT_EQ(run({"board", "--database", folder / "other.db"}).exitCode, 2) << "names mean others elsewhere";
+    ASSERT_EQ(run({"account", "revoke", "moses@example.com"}).exitCode, 0);
+    EXPECT_NE(run({"board"}).errors.find("(deviceRevoked)"), std::string::npos);
+    EXPECT_EQ(run({"board"}).exitCode, 2);
+}
+
 TEST_F(Login, saysInTheUsersLanguageWhyItFailedAndThrottlesGuesses) {
     EXPECT_EQ(run({"login", "moses@example.com"}, "wrong\n").errors,
               "kestrel: Authentication Error: Cannot authenticate the user. Error Code: 401 (localizedError)\n");
