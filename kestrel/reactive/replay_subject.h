@@ -25,25 +25,18 @@ template <class Output, class Failure = Never>
 class ReplaySubject {
   public:
     /// How many values are replayed at most. A negative size is a mistake in the program: fatal().
-    explicit ReplaySubject(std::int64_t bufferSize) : state_(std::make_shared<State>(bufferSize)) {}
+    explicit ReplaySubject(std::int64_t bufferSize) : state_(new State(bufferSize), LetGo()) {}
 
     /// What is sent after the end reaches only those who subscribe later, in the replay, in front of the end.
-    void send(const Output& value) const {
-        // Kept: a subscriber may let the subject go.
-        const auto state = state_;
-        state->send(value);
-    }
+    void send(const Output& value) const { state_->send(value); }
     /// Ends all subscribers. Only the first completion counts.
-    void send(Completion<Failure> completion) const {
-        const auto state = state_;
-        state->end(std::move(completion));
-    }
+    void send(Completion<Failure> completion) const { state_->end(std::move(completion)); }
     void finish() const { send(Completion<Failure>::finished()); }
     /// For use as the subscriber of another publisher: asks it for everything.
     void send(const std::shared_ptr<Subscription>& subscription) const { subscription->request(Demand::unlimited()); }
 
     void receive(std::shared_ptr<Subscriber<Output, Failure>> subscriber) const {
-        State::subscribe(state_, std::move(subscriber));
+        state_->subscribe(std::move(subscriber));
     }
     void subscribe(std::shared_ptr<Subscriber<Output, Failure>> subscriber) const { receive(std::move(subscriber)); }
     /// Serves what is sent to this subject, which it keeps.
@@ -56,7 +49,7 @@ class ReplaySubject {
 
     /// How many are subscribed: neither cancelled nor ended.
     [[nodiscard]] std::size_t subscriptionCount() const {
-        const std::scoped_lock lock(state_->lock);
+        const std::scoped_lock lock(*state_->lock);
         return static_cast<std::size_t>(
             std::ranges::count_if(state_->subscriptions, [](const auto& each) { return each->isLive(); }));
     }
@@ -71,14 +64,10 @@ class ReplaySubject {
         }
         State(const State&) = delete;
         State& operator=(const State&) = delete;
-        /// Nobody can send any more: the subscribers are let go.
-        ~State() {
-            for (const auto& each : subscriptions)
-                each->abandon();
-        }
+        ~State() = default;
 
         void send(const Output& value) {
-            const std::scoped_lock locked(lock);
+            const Delivery delivery(*this);
             if (bufferSize > 0) {
                 if (buffer.size() < bufferSize) {
                     buffer.push_back(value);
@@ -90,20 +79,18 @@ class ReplaySubject {
             deliver([&](ReplaySubjectSubscription& each) { each.receive(value); });
         }
         void end(Completion<Failure> with) {
-            const std::scoped_lock locked(lock);
+            const Delivery delivery(*this);
             if (completion) return;
             completion = std::move(with);
             deliver([&](ReplaySubjectSubscription& each) { each.receive(*completion); });
         }
-        static void subscribe(const std::shared_ptr<State> state,
-                              std::shared_ptr<Subscriber<Output, Failure>> subscriber) {
-            const std::scoped_lock locked(state->lock);
-            const Delivery delivery(*state);
+        void subscribe(std::shared_ptr<Subscriber<Output, Failure>> subscriber) {
+            const Delivery delivery(*this);
             const auto subscription =
-                std::make_shared<ReplaySubjectSubscription>(std::move(subscriber), state, state->values());
-            state->subscriptions.push_back(subscription);
+                std::make_shared<ReplaySubjectSubscription>(std::move(subscriber), *this, values());
+            subscriptions.push_back(subscription);
             subscription->start();
-            subscription->replay(state->completion);
+            subscription->replay(completion);
         }
         /// What is replayed, the oldest first.
         [[nodiscard]] std::vector<Output> values() const {
@@ -111,10 +98,10 @@ class ReplaySubject {
             std::ranges::rotate(ordered, ordered.begin() + static_cast<std::ptrdiff_t>(oldest));
             return ordered;
         }
-        /// Calls `give` for those who are subscribed now; who comes meanwhile is served by the replay.
+        /// Calls `give` for those who are subscribed now; who comes meanwhile is served by the replay. During a
+        /// delivery.
         template <class Give>
         void deliver(Give give) {
-            const Delivery delivery(*this);
             const std::size_t count = subscriptions.size();
             for (std::size_t i = 0; i < count; ++i) {
                 // Stays where it is until the delivery is over, whoever cancels and however the list grows.
@@ -122,18 +109,31 @@ class ReplaySubject {
                 if (each.isLive()) give(each);
             }
         }
-        /// Lets those go who have cancelled or ended, unless somebody further up is delivering to them. Their empty
-        /// subscriptions leave together, when they are half of all, so that cancelling takes constant time on average.
-        void compact() {
-            if (deliveries > 0) return;
-            // Taken out before they are destroyed: what they own may use the subject.
-            const auto gone = std::exchange(released, {});
-            if (dead == 0 || dead * 2 < subscriptions.size()) return;
-            dead = 0;
-            std::erase_if(subscriptions, [](const auto& each) { return !each->isLive(); });
+        /// Takes those out who have cancelled or ended, for the caller to let go. Their empty subscriptions leave
+        /// together, when they are half of all, so that cancelling takes constant time on average. When no delivery is
+        /// under way further up.
+        [[nodiscard]] std::vector<std::shared_ptr<Subscriber<Output, Failure>>> compact() {
+            if (dead > 0 && dead * 2 >= subscriptions.size()) {
+                dead = 0;
+                std::erase_if(subscriptions, [](const auto& each) { return !each->isLive(); });
+            }
+            return std::exchange(released, {});
+        }
+        /// The end of a state that nobody can send to any more. Its subscribers are let go outside of the lock.
+        static void destroy(State* state) {
+            const auto lock = state->lock;
+            std::unique_lock locked(*lock);
+            const auto left = std::move(state->subscriptions);
+            for (const auto& each : left)
+                each->abandon();
+            locked.unlock();
+            for (const auto& each : left)
+                each->forget();
+            delete state;
         }
 
-        RecursiveLock lock;
+        /// Lasts as long as the subject and all its subscriptions.
+        const std::shared_ptr<RecursiveLock> lock = std::make_shared<RecursiveLock>();
         std::size_t bufferSize;
         /// The last values: a ring, once it is full.
         std::vector<Output> buffer;
@@ -141,27 +141,64 @@ class ReplaySubject {
         std::size_t oldest = 0;
         std::vector<std::shared_ptr<ReplaySubjectSubscription>> subscriptions;
         std::optional<Completion<Failure>> completion;
-        /// Those who have cancelled during a delivery, which may be one to themselves: they last until it is over.
+        /// Those who have cancelled, during a delivery perhaps, which may be one to themselves: they last until it is
+        /// over.
         std::vector<std::shared_ptr<Subscriber<Output, Failure>>> released;
         /// How many deliveries are under way, each inside the other.
         int deliveries = 0;
         /// How many of the subscriptions have cancelled or ended.
         std::size_t dead = 0;
+        /// Whether the last handle of the subject has gone, inside a delivery.
+        bool isOrphaned = false;
+        /// Whether the end of the outermost delivery has more to do than to end: somebody has left, or everybody.
+        bool isUntidy = false;
     };
 
-    /// A delivery under way; over at the end of its scope, also when a subscriber throws.
+    /// Ends the state with its last handle. A delivery from inside of which that one goes has the state to its end, so
+    /// that sending need not keep it.
+    struct LetGo {
+        void operator()(State* state) const {
+            {
+                const std::scoped_lock locked(*state->lock);
+                if (state->deliveries > 0) {
+                    state->isOrphaned = true;
+                    state->isUntidy = true;
+                    return;
+                }
+            }
+            State::destroy(state);
+        }
+    };
+
+    /// A delivery under way, and the lock; over at the end of its scope, also when a subscriber throws.
     class Delivery {
       public:
-        explicit Delivery(State& state) : state_(&state) { ++state.deliveries; }
+        explicit Delivery(State& state) : Delivery(state, std::unique_lock(*state.lock)) {}
+        Delivery(State& state, std::unique_lock<RecursiveLock> locked) : state_(&state), locked_(std::move(locked)) {
+            ++state.deliveries;
+        }
         ~Delivery() {
-            --state_->deliveries;
-            state_->compact();
+            if (state_->deliveries == 1 && state_->isUntidy) [[unlikely]]
+                tidyUp();
+            else
+                --state_->deliveries;
         }
         Delivery(const Delivery&) = delete;
         Delivery& operator=(const Delivery&) = delete;
 
       private:
+        /// Ends the delivery and lets go, outside of the lock, of those who have left, and of the state with them.
+        [[gnu::noinline]] void tidyUp() {
+            const auto gone = state_->compact();
+            state_->isUntidy = false;
+            state_->deliveries = 0;
+            const bool isLast = state_->isOrphaned;
+            locked_.unlock();
+            if (isLast) State::destroy(state_);
+        }
+
         State* state_;
+        std::unique_lock<RecursiveLock> locked_;
     };
 
     /// Everything under the subject's lock.
@@ -169,9 +206,9 @@ class ReplaySubject {
                                             public std::enable_shared_from_this<ReplaySubjectSubscription> {
       public:
         /// With what is to be replayed.
-        ReplaySubjectSubscription(std::shared_ptr<Subscriber<Output, Failure>> downstream,
-                                  const std::shared_ptr<State>& state, std::vector<Output> values)
-            : downstream_(std::move(downstream)), state_(state), replayed_(std::move(values)) {}
+        ReplaySubjectSubscription(std::shared_ptr<Subscriber<Output, Failure>> downstream, State& state,
+                                  std::vector<Output> values)
+            : downstream_(std::move(downstream)), state_(&state), lock_(state.lock), replayed_(std::move(values)) {}
 
         [[nodiscard]] bool isLive() const noexcept { return downstream_ != nullptr; }
         // These four deliver, and so are called during a delivery only.
@@ -198,34 +235,34 @@ class ReplaySubject {
                 receive(value);
             if (completion) receive(*completion);
         }
-        void abandon() { downstream_.reset(); }
+        /// The subject has gone: nobody delivers or cancels any more, so that forgetting needs no lock.
+        void abandon() { state_ = nullptr; }
+        void forget() { downstream_.reset(); }
         void request(Demand demand) override {
-            const auto state = state_.lock();
-            if (state == nullptr) return;
-            const std::scoped_lock lock(state->lock);
+            const std::scoped_lock lock(*lock_);
             demand_ += demand;
         }
         void cancel() override {
-            const auto state = state_.lock();
-            if (state == nullptr) return;
-            std::shared_ptr<Subscriber<Output, Failure>> downstream;
-            {
-                const std::scoped_lock lock(state->lock);
-                downstream = release();
-                if (downstream != nullptr && state->deliveries > 0) state->released.push_back(downstream);
-                state->compact();
-            }
+            // Leaving the list may let this go.
+            const auto self = this->shared_from_this();
+            std::unique_lock locked(*lock_);
+            if (state_ == nullptr) return;
+            const Delivery delivery(*state_, std::move(locked));
+            if (auto downstream = release()) state_->released.push_back(std::move(downstream));
         }
 
       private:
         [[nodiscard]] std::shared_ptr<Subscriber<Output, Failure>> release() {
-            auto downstream = std::exchange(downstream_, nullptr);
-            if (const auto state = state_.lock(); state != nullptr && downstream != nullptr) ++state->dead;
-            return downstream;
+            if (downstream_ == nullptr) return nullptr;
+            ++state_->dead;
+            state_->isUntidy = true;
+            return std::exchange(downstream_, nullptr);
         }
 
         std::shared_ptr<Subscriber<Output, Failure>> downstream_;
-        std::weak_ptr<State> state_;
+        /// Absent when the subject has gone.
+        State* state_;
+        std::shared_ptr<RecursiveLock> lock_;
         Demand demand_ = Demand::none();
         std::vector<Output> replayed_;
         bool isReplayed_ = false;

@@ -30,6 +30,18 @@ TEST(ASubscriber, mayLetGoOfTheSubjectInsideADelivery) {
     replay->send(1);
     EXPECT_EQ(values, (Numbers{1, -1}));
 
+    // Also from its destructor, when it is the last to know the subject; and who cancels then is spared the rest.
+    replay = std::make_unique<ReplaySubject<int>>(3);
+    AnyCancellable fifth;
+    AnyCancellable fourth = replay->eraseToAnyPublisher().sink([&, subject = *replay](int) {
+        replay.reset();
+        fourth.cancel();
+        fifth.cancel();
+    });
+    fifth = replay->eraseToAnyPublisher().sink([&](int value) { values.push_back(value); });
+    replay->send(2);
+    EXPECT_EQ(values, (Numbers{1, -1}));
+
     auto through = std::make_unique<PassThroughSubject<int>>();
     const auto third = std::make_shared<Probe<int>>();
     third->onValue = [&](int) {
