@@ -203,7 +203,10 @@ bool encodeElements(JSONWriter& writer, const C& values) {
             writer.prependIndex(index);
             return false;
         }
-        ++index;
+        // Elements are much of a size: a few of them tell how much room all take.
+        constexpr std::size_t sampled = 16;
+        if (++index == sampled && values.size() > 2 * sampled)
+            writer.expect((writer.open() - opened) / sampled * (values.size() - sampled) / 16 * 17);
     }
     writer.closeArray(opened);
     return true;

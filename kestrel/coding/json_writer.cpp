@@ -3,6 +3,7 @@
 #include <kestrel/coding/utf8.h>
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cmath>
 
@@ -39,84 +40,59 @@ void JSONWriter::key(std::string_view plainKey) {
     append("\":");
 }
 
-namespace {
-
-template <class Word>
-Word load(const char* from) {
-    Word word;
-    std::memcpy(&word, from, sizeof word);
-    return word;
-}
-
-/// Copies a text that needs no escapes, in whole words that may overlap. False, with nothing promised of `to`, when the
-/// text is of another kind. Writes at most sixteen bytes beyond the text's length; reads none beyond it.
-bool copyPlain(char* to, std::string_view text, bool& high) {
-    const char* const from = text.data();
-    const std::size_t size = text.size();
-    constexpr std::uint64_t highBits = 0x8080808080808080U;
-    std::uint64_t gathered = 0;
-    const auto copyWord = [&](std::size_t at) {
-        const auto word = load<std::uint64_t>(from + at);
-        std::memcpy(to + at, &word, sizeof word);
-        gathered |= word;
-        return !hasSpecialByte(word);
-    };
-    if (size >= 8) {
-        std::size_t at = 0;
-#if defined(__SSE2__)
-        const __m128i quote = _mm_set1_epi8('"');
-        const __m128i backslash = _mm_set1_epi8('\\');
-        const __m128i lastControl = _mm_set1_epi8(0x1f);
-        for (; size - at >= 16; at += 16) {
-            const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + at));
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(to + at), block);
-            const __m128i special =
-                _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(block, quote), _mm_cmpeq_epi8(block, backslash)),
-                             _mm_cmpeq_epi8(_mm_min_epu8(block, lastControl), block));
-            if (_mm_movemask_epi8(special) != 0) return false;
-            if (_mm_movemask_epi8(block) != 0) gathered |= highBits;
-        }
-#endif
-        for (; size - at >= 8; at += 8) {
-            if (!copyWord(at)) return false;
-        }
-        // The last word starts inside the one before.
-        if (at != size && !copyWord(size - 8)) return false;
-    } else {
-        std::uint64_t word = 0;
-        if (size >= 4) {
-            word = load<std::uint32_t>(from);
-            word |= static_cast<std::uint64_t>(load<std::uint32_t>(from + size - 4)) << (8 * (size - 4));
-        } else if (size != 0) {
-            word = static_cast<unsigned char>(from[0]);
-            word |= static_cast<std::uint64_t>(static_cast<unsigned char>(from[size / 2])) << (8 * (size / 2));
-            word |= static_cast<std::uint64_t>(static_cast<unsigned char>(from[size - 1])) << (8 * (size - 1));
-        }
-        std::memcpy(to, &word, sizeof word);
-        gathered = word;
-        // What the text does not fill must not look like control characters.
-        if (size != 0 && hasSpecialByte(word | (0x2020202020202020U << (8 * size)))) return false;
-    }
-    high = (gathered & highBits) != 0;
-    return true;
-}
-
-}  // namespace
-
 bool JSONWriter::write(std::string_view value) {
-    constexpr std::size_t slack = 18;
-    reserve(value.size() + slack);
+    return writeText(value, [&] { return TextBlock::load(value.data(), value.size()); });
+}
+
+bool JSONWriter::write(const std::string& value) {
+#if defined(__GLIBCXX__) && !defined(__SANITIZE_ADDRESS__)
+    // A string of this library has room for a block wherever it keeps its characters, so that a short one is read
+    // together with what stands behind it: jumps that depend on short lengths are hardly ever predicted.
+    static_assert(sizeof value >= 2 * TextBlock::size);
+    return writeText(value, [&] { return TextBlock::load(value.data()); });
+#else
+    return write(std::string_view(value));
+#endif
+}
+
+template <class LoadShort>
+[[gnu::always_inline]] inline bool JSONWriter::writeText(std::string_view value, LoadShort loadShort) {
+    constexpr std::ptrdiff_t blockSize = TextBlock::size;
+    reserve(value.size() + textSlack);
     *cursor_++ = '"';
-    bool high = false;
-    if (copyPlain(cursor_, value, high)) {
-        cursor_ += value.size();
+    const char* at = value.data();
+    const char* const end = at + value.size();
+    unsigned high = 0;
+    bool isPlain = false;
+    if (end - at < blockSize) {
+        const TextBlock block = loadShort();
+        block.store(cursor_);
+        const unsigned counted = (1U << value.size()) - 1;
+        high = block.highs() & counted;
+        isPlain = (block.specials() & counted) == 0;
     } else {
-        // As if every byte became an escape of six characters, so that nothing below has to ask for room.
-        reserve(value.size() * 6 + 1);
-        writeEscaped(value, high);
+        while (end - at >= blockSize) {
+            const auto block = TextBlock::load(at);
+            if (block.specials() != 0) break;
+            block.store(cursor_);
+            high |= block.highs();
+            at += blockSize;
+            cursor_ += blockSize;
+        }
+        if (const std::ptrdiff_t left = end - at; left < blockSize) {
+            // Together with bytes of the block before.
+            const auto block = TextBlock::load(end - blockSize);
+            block.store(cursor_ - (blockSize - left));
+            high |= block.highs();
+            isPlain = block.specials() >> (blockSize - left) == 0;
+        }
     }
+    if (isPlain) [[likely]]
+        cursor_ += end - at;
+    else
+        high |= writeEscaped({at, end});
     *cursor_++ = '"';
-    if (high) {
+    if (high != 0) {
         if (const std::size_t valid = validUTF8Prefix(value); valid != value.size()) {
             return fail(fmt::format("The text is not valid UTF-8 from byte {} on.", valid));
         }
@@ -124,41 +100,110 @@ bool JSONWriter::write(std::string_view value) {
     return true;
 }
 
-void JSONWriter::writeEscaped(std::string_view value, bool& high) {
+unsigned JSONWriter::writeEscaped(std::string_view value) {
     const char* at = value.data();
-    const char* const end = at + value.size();
-    for (;;) {
-        const char* const stop = plainRunEnd(at, end, high);
-        std::memcpy(cursor_, at, static_cast<std::size_t>(stop - at));
-        cursor_ += stop - at;
-        if (stop == end) return;
-        const char c = *stop;
-        *cursor_++ = '\\';
-        switch (c) {
-            case '"':
-            case '\\': *cursor_++ = c; break;
-            case '\b': *cursor_++ = 'b'; break;
-            case '\f': *cursor_++ = 'f'; break;
-            case '\n': *cursor_++ = 'n'; break;
-            case '\r': *cursor_++ = 'r'; break;
-            case '\t': *cursor_++ = 't'; break;
-            default: {
-                static constexpr char digits[] = "0123456789abcdef";
-                std::memcpy(cursor_, "u00", 3);
-                cursor_[3] = digits[static_cast<unsigned char>(c) >> 4U];
-                cursor_[4] = digits[static_cast<unsigned char>(c) & 0xfU];
-                cursor_ += 5;
-                break;
-            }
+    std::size_t left = value.size();
+    unsigned high = 0;
+    while (left != 0) {
+        reserve(left + textSlack);
+        const std::size_t count = std::min(left, TextBlock::size);
+        const auto block = left >= TextBlock::size ? TextBlock::load(at) : TextBlock::load(at, left);
+        block.store(cursor_);
+        high |= block.highs();
+        const unsigned specials = block.specials() & ((1U << count) - 1);
+        const std::size_t plain = specials == 0 ? count : static_cast<std::size_t>(std::countr_zero(specials));
+        cursor_ += plain;
+        at += plain;
+        left -= plain;
+        if (specials != 0) {
+            writeEscape(*at++);
+            --left;
         }
-        at = stop + 1;
+    }
+    reserve(1);
+    return high;
+}
+
+void JSONWriter::writeEscape(char c) {
+    constexpr std::size_t longest = 6;
+    reserve(longest);
+    *cursor_++ = '\\';
+    switch (c) {
+        case '"':
+        case '\\': *cursor_++ = c; break;
+        case '\b': *cursor_++ = 'b'; break;
+        case '\f': *cursor_++ = 'f'; break;
+        case '\n': *cursor_++ = 'n'; break;
+        case '\r': *cursor_++ = 'r'; break;
+        case '\t': *cursor_++ = 't'; break;
+        default: {
+            static constexpr char digits[] = "0123456789abcdef";
+            std::memcpy(cursor_, "u00", 3);
+            cursor_[3] = digits[static_cast<unsigned char>(c) >> 4U];
+            cursor_[4] = digits[static_cast<unsigned char>(c) & 0xfU];
+            cursor_ += 5;
+            break;
+        }
     }
 }
 
+namespace {
+
+/// The eight digits of a number below 10^8, each in a byte, the first one's being the lowest.
+constexpr std::uint64_t eightDigits(std::uint32_t number) {
+    // Halves, then quarters, then eighths, each step for all at once; the products stand in for divisions.
+    const std::uint64_t halves = number / 10'000 | static_cast<std::uint64_t>(number % 10'000) << 32U;
+    const std::uint64_t hundreds = (halves * 10'486 >> 20U) & 0x0000007f0000007fU;
+    const std::uint64_t quarters = hundreds | (halves - 100 * hundreds) << 16U;
+    const std::uint64_t tens = (quarters * 103 >> 10U) & 0x000f000f000f000fU;
+    return tens | (quarters - 10 * tens) << 8U;
+}
+
+constexpr std::uint64_t eightZeros = 0x3030303030303030U;
+
+/// Writes a number without leading zeros, in whole words: up to eight bytes beyond the last digit are touched. Returns
+/// the end.
+char* writeNumber(char* to, std::uint64_t number) {
+    constexpr std::uint64_t tenToThe8th = 100'000'000;
+    const auto write = [&](std::uint64_t digits, int leadingZeros) {
+        const std::uint64_t text = (digits | eightZeros) >> (8 * leadingZeros);
+        std::memcpy(to, &text, sizeof text);
+        to += 8 - leadingZeros;
+    };
+    const auto writeLeading = [&](std::uint64_t part) {
+        const std::uint64_t digits = eightDigits(static_cast<std::uint32_t>(part));
+        // The last digit is written also when it is zero.
+        constexpr std::uint64_t last = std::uint64_t{1} << 56U;
+        write(digits, std::countr_zero(digits | last) / 8);
+    };
+    if (number < tenToThe8th) {
+        writeLeading(number);
+        return to;
+    }
+    const std::uint64_t high = number / tenToThe8th;
+    if (high < tenToThe8th) {
+        writeLeading(high);
+    } else {
+        writeLeading(high / tenToThe8th);
+        write(eightDigits(static_cast<std::uint32_t>(high % tenToThe8th)), 0);
+    }
+    write(eightDigits(static_cast<std::uint32_t>(number % tenToThe8th)), 0);
+    return to;
+}
+
+/// The most that writeNumber touches: the digits of any number, and a sign in front.
+constexpr std::size_t longestNumber = 32;
+
+}  // namespace
+
 bool JSONWriter::write(std::int64_t value) {
-    constexpr std::size_t longest = 20;
-    reserve(longest);
-    cursor_ = std::to_chars(cursor_, cursor_ + longest, value).ptr;
+    reserve(longestNumber);
+    auto magnitude = static_cast<std::uint64_t>(value);
+    if (value < 0) {
+        *cursor_++ = '-';
+        magnitude = 0 - magnitude;
+    }
+    cursor_ = writeNumber(cursor_, magnitude);
     return true;
 }
 
@@ -166,8 +211,7 @@ bool JSONWriter::write(double value) {
     if (!std::isfinite(value)) {
         return fail(fmt::format("Cannot encode {}: JSON has no such number.", value), value);
     }
-    constexpr std::size_t longest = 32;
-    reserve(longest);
+    reserve(longestNumber);
     // Amounts, percentages and most dates have three decimals at most: they print as an integer of thousandths. The
     // division is correctly rounded, so what is printed reads back as this very double.
     constexpr double limit = 9e12;
@@ -176,7 +220,7 @@ bool JSONWriter::write(double value) {
         if (static_cast<double>(thousandths) / 1000 == value) {
             if (thousandths < 0) *cursor_++ = '-';
             const auto magnitude = static_cast<std::uint64_t>(thousandths < 0 ? -thousandths : thousandths);
-            cursor_ = std::to_chars(cursor_, cursor_ + longest, magnitude / 1000).ptr;
+            cursor_ = writeNumber(cursor_, magnitude / 1000);
             if (const std::uint64_t decimals = magnitude % 1000; decimals != 0) {
                 cursor_[0] = '.';
                 cursor_[1] = static_cast<char>('0' + decimals / 100);
@@ -189,7 +233,7 @@ bool JSONWriter::write(double value) {
             return true;
         }
     }
-    cursor_ = std::to_chars(cursor_, cursor_ + longest, value).ptr;
+    cursor_ = std::to_chars(cursor_, cursor_ + longestNumber, value).ptr;
     return true;
 }
 

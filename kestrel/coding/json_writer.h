@@ -31,6 +31,8 @@ class JSONWriter {
     // Values. Each fails when the value has no JSON form: a number that is not finite, a text that is not UTF-8, a date
     // that the strategy cannot express.
     bool write(std::string_view value);
+    bool write(const std::string& value);
+    bool write(const char* value) { return write(std::string_view(value)); }
     bool write(std::int64_t value);
     bool write(double value);
     /// Booleans only: what merely converts to one, such as a pointer, is not written as one.
@@ -68,6 +70,9 @@ class JSONWriter {
         cursor_ += json.size();
     }
 
+    /// Makes room at once for so many bytes that are likely to come. Only speed depends on it.
+    void expect(std::size_t count) { reserve(count); }
+
     /// Trims the text to what was written.
     void finish();
 
@@ -82,8 +87,12 @@ class JSONWriter {
     [[gnu::always_inline]] void reserve(std::size_t count) {
         if (static_cast<std::size_t>(limit_ - cursor_) < count) grow(count);
     }
-    /// The text without its quotes; `high` becomes true when it has bytes above 0x7f. Room has been made.
-    void writeEscaped(std::string_view value, bool& high);
+    /// With its quotes. `loadShort()` is the block of a text that is shorter than one.
+    template <class LoadShort>
+    bool writeText(std::string_view value, LoadShort loadShort);
+    /// A text, or the rest of one, that has characters to escape; other than 0 when it has bytes above 0x7f.
+    unsigned writeEscaped(std::string_view value);
+    void writeEscape(char c);
     void grow(std::size_t count);
     void close(std::size_t opened, char opening, char closing) {
         reserve(2);
@@ -92,6 +101,9 @@ class JSONWriter {
         *start = opening;
         *cursor_++ = closing;
     }
+
+    /// What a text takes beyond its characters: two quotes, and a block that is stored whole where less of it counts.
+    static constexpr std::size_t textSlack = 18;
 
     std::string* buffer_;
     std::size_t before_;

@@ -30,16 +30,15 @@ std::string stringValue(std::string_view entityName, const ObjectIDStorage& stor
 }
 
 bool encodeObjectID(JSONWriter& writer, const ObjectIDStorage& storage, const WireNames& names) {
-    if (const auto uuid = storage.new_()) {
+    if (const auto key = storage.persistent()) [[likely]] {
+        writer.append(names.nameFirst);
+        writer.write(*key);
+        writer.append("}");
+        return true;
+    }
+    if (const auto uuid = storage.new_())
         return writer.fail("Cannot encode a .new ObjectID using Encodable. Persist the record first.", *uuid);
-    }
-    if (const auto identity = storage.temp()) {
-        return writer.fail("Cannot encode a .temp ObjectID using Encodable. Persist the record first.", *identity);
-    }
-    writer.append(names.nameFirst);
-    writer.write(*storage.persistent());
-    writer.append("}");
-    return true;
+    return writer.fail("Cannot encode a .temp ObjectID using Encodable. Persist the record first.", *storage.temp());
 }
 
 bool decodeObjectID(JSONReader& reader, ObjectIDStorage& storage, const WireNames& names) {

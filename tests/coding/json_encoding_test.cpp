@@ -4,6 +4,7 @@
 
 #include <bit>
 #include <limits>
+#include <numeric>
 #include <random>
 #include <string>
 
@@ -30,6 +31,49 @@ TEST(EncodedDoubles, readBackBitForBit) {
     EXPECT_EQ(encodeJSON(42.0), "42");
     EXPECT_EQ(encodeJSON(10005534.5), "10005534.5");
     EXPECT_EQ(encodeJSON(-0.25), "-0.25");
+}
+
+TEST(EncodedIntegers, areWrittenAsTheStandardLibraryWritesThem) {
+    std::mt19937_64 engine(11);
+    std::vector<std::int64_t> values{0, std::numeric_limits<std::int64_t>::min(),
+                                     std::numeric_limits<std::int64_t>::max()};
+    for (std::int64_t power = 1; power < std::numeric_limits<std::int64_t>::max() / 10; power *= 10)
+        values.insert(values.end(), {power - 1, power, power + 1, -power, 9 * power, 99 * (power / 10)});
+    for (int i = 0; i < 20'000; ++i)
+        values.push_back(static_cast<std::int64_t>(engine()) >> (engine() % 64));
+    for (const std::int64_t value : values)
+        ASSERT_EQ(encodeJSON(value), std::to_string(value));
+    EXPECT_EQ(encodeJSON(values).value().size(),
+              std::accumulate(values.begin(), values.end(), std::size_t{1}, [](std::size_t sum, std::int64_t value) {
+                  return sum + std::to_string(value).size() + 1;
+              }));
+}
+
+TEST(EncodedTexts, areCopiedWhateverTheirLengthAndWhereverAnEscapeStands) {
+    for (std::size_t length = 0; length < 70; ++length) {
+        for (std::size_t at = 0; at <= length; ++at) {
+            for (const char special : {'\\', '\n', '\x01', '\x1f', '\xc3', '~'}) {
+                std::string text(length, 'x');
+                text.insert(at, special == '\xc3' ? std::string("\xc3\xa9") : std::string(2, special));
+                // Behind something else and in front of it, as a string and as a part of one.
+                std::string expected = "[\"a\",\"";
+                for (const char c : text) {
+                    switch (c) {
+                        case '\\': expected += "\\\\"; break;
+                        case '\n': expected += "\\n"; break;
+                        case '\x01': expected += "\\u0001"; break;
+                        case '\x1f': expected += "\\u001f"; break;
+                        default: expected += c;
+                    }
+                }
+                ASSERT_EQ(encodeJSON(std::vector<std::string>{"a", text, "b"}), expected + "\",\"b\"]");
+                std::string part;
+                const std::string longer = "\"" + text + "\"";
+                ASSERT_TRUE(encodeJSON(std::string_view(longer).substr(1, text.size()), part));
+                ASSERT_EQ(part, expected.substr(5) + "\"");
+            }
+        }
+    }
 }
 
 TEST(EncodedTexts, escapeWhatJSONDemands) {

@@ -84,7 +84,7 @@ class Transfers {
         auto& self = *static_cast<Transfers*>(user);
         // Also a watch that is just calling: it lives until it has.
         self.watches_.erase(socket);
-        if (action == CURL_POLL_REMOVE) return 0;
+        if (action == CURL_POLL_REMOVE || action == CURL_POLL_NONE) return 0;
         const auto condition = action == CURL_POLL_IN    ? G_IO_IN
                                : action == CURL_POLL_OUT ? G_IO_OUT
                                                          : joined(G_IO_IN, G_IO_OUT);
@@ -92,7 +92,7 @@ class Transfers {
             int events = 0;
             if ((ready & (G_IO_IN | G_IO_HUP)) != 0) events |= CURL_CSELECT_IN;
             if ((ready & G_IO_OUT) != 0) events |= CURL_CSELECT_OUT;
-            if ((ready & G_IO_ERR) != 0) events |= CURL_CSELECT_ERR;
+            if ((ready & (G_IO_ERR | G_IO_NVAL)) != 0) events |= CURL_CSELECT_ERR;
             self.act(socket, events);
         });
         return 0;
