@@ -59,7 +59,8 @@ class AnyPublisher {
         subscribe(sink);
         return AnyCancellable([sink = std::move(sink)] { sink->cancel(); });
     }
-    template <std::invocable<const Output&> OnValue>
+    template <class OnValue>
+        requires(!std::same_as<Output, Never>) && std::invocable<OnValue, const Output&>
     [[nodiscard]] AnyCancellable sink(OnValue onValue) const {
         return sink(std::move(onValue), [](const Completion<Failure>&) {});
     }

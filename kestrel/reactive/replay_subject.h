@@ -246,7 +246,8 @@ class ReplaySubject {
             // Leaving the list may let this go.
             const auto self = this->shared_from_this();
             std::unique_lock locked(*lock_);
-            if (state_ == nullptr) return;
+            // Who has left the list already is not told when the subject goes.
+            if (state_ == nullptr || downstream_ == nullptr) return;
             const Delivery delivery(*state_, std::move(locked));
             if (auto downstream = release()) state_->released.push_back(std::move(downstream));
         }

@@ -19,9 +19,11 @@ namespace kestrel {
 
 /// How a type is stored as a preference. A host specialises it for types of its own, with
 ///
-///     static std::optional<Value> fromStored(const std::optional<DefaultsValue>&);    absent when it is no such value
-///     static std::optional<DefaultsValue> userDefaultsStorage(const Value&);                      absent removes the
-///     entry static std::optional<DefaultsValue> readStoredValue(std::string_view name, const UserDefaultsStore&);
+///     // Absent when it is no such value.
+///     static std::optional<Value> fromStored(const std::optional<DefaultsValue>&);
+///     // Absent removes the entry.
+///     static std::optional<DefaultsValue> userDefaultsStorage(const Value&);
+///     static std::optional<DefaultsValue> readStoredValue(std::string_view name, const UserDefaultsStore&);
 ///
 /// for the last of which deriving from StoredObject is enough.
 template <class Value>
