@@ -13,6 +13,13 @@ class Failure : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+/// There is no database.
+class DatabaseMissing : public Failure {
+  public:
+    explicit DatabaseMissing(const std::string& file)
+        : Failure(file + ": there is no such database; `kestrel import` makes one") {}
+};
+
 /// The database has no record of an identifier.
 class RecordMissing : public Failure {
   public:

@@ -174,10 +174,14 @@ void AccountStore::addCompany(const std::string& name, const std::filesystem::pa
 
 void AccountStore::join(const std::string& email, const std::string& companyName, const std::string& username) {
     requireAccount(email);
-    execute(database_,
-            "INSERT INTO Membership (email, company, username) VALUES (?, ?, ?) "
-            "ON CONFLICT DO UPDATE SET username = excluded.username, isActive = 1",
-            email, requiredCompany(companyName), username);
+    const int joined = execute(database_,
+                               "INSERT INTO Membership (email, company, username) VALUES (?, ?, ?) "
+                               "ON CONFLICT DO UPDATE SET username = excluded.username WHERE isActive = 1",
+                               email, requiredCompany(companyName), username);
+    if (joined == 0) {
+        throw Failure(
+            fmt::format("{} was deactivated in {}; `kestrel account activate` takes that back", email, companyName));
+    }
 }
 
 void AccountStore::setActive(const std::string& email, const std::string& companyName, bool isActive) {

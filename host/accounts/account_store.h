@@ -64,6 +64,8 @@ class AccountStore {
     /// In the place of the one before, if any.
     [[nodiscard]] SecondFactor addSecondFactor(const std::string& email);
     void addCompany(const std::string& name, const std::filesystem::path& database, bool requiresOneTimeCode);
+    /// Adds an account to a company, or makes it another user there. A Failure when it was deactivated there, which
+    /// only `setActive` takes back.
     void join(const std::string& email, const std::string& companyName, const std::string& username);
     void setActive(const std::string& email, const std::string& companyName, bool isActive);
     /// Withdraws the access of every device that is signed in. How many there were.

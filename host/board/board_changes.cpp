@@ -37,7 +37,9 @@ std::optional<ChangeStageError> moveToStage(RecordWriter& records, const ObjectI
     constexpr bool isOpportunity = std::is_same_v<Record, Opportunity>;
     auto deal = records.find(id);
     if (!deal) return ChangeStageError::objectiveNotFound;
-    if (!records.checker().canUpdate(*deal)) return ChangeStageError::noWritePermission;
+    const Date start = options.start.value_or(records.now());
+    const bool endsBeforeItStarts = options.end && *options.end < start;
+    if (!records.checker().canUpdate(*deal) || endsBeforeItStarts) return ChangeStageError::noWritePermission;
     const auto pipeline = findByKey<Pipeline>(records, deal->currentPipelineID);
     if (!pipeline) return ChangeStageError::noPipeline;
     const auto definition = findByKey<PipelineDefinition>(records, pipeline->pipelineDefinitionID);
@@ -47,7 +49,6 @@ std::optional<ChangeStageError> moveToStage(RecordWriter& records, const ObjectI
     const auto stage = stageIn(records, *pipeline, options.stageID);
     if (!stage) return ChangeStageError::pipelineMissingStage;
 
-    const Date start = options.start.value_or(records.now());
     if (auto row = findByKey<PipelineStageHistory>(records, deal->currentPipelineStageHistoryID);
         row && !row->endDate) {
         row->endDate = std::max(start, row->startDate.value_or(start));

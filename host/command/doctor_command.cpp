@@ -1,9 +1,10 @@
 #include <fmt/format.h>
 #include <host/command/awaiting.h>
 #include <host/command/doctor_command.h>
+#include <host/services/late_system_services.h>
+#include <host/services/system_report_service.h>
 #include <host/terminal/json_object.h>
 #include <host/terminal/table.h>
-#include <kestrel/platform/system_report.h>
 
 #include <utility>
 
@@ -27,7 +28,8 @@ std::string reportJSON(const platform::SystemReport& report) {
 }  // namespace
 
 void doctorCommand(bool isJSON, Output& output, const Terminal& terminal) {
-    const platform::SystemReport report = awaited(platform::systemReport()).value().at(0);
+    const Runtime runtime(LateSystemServicesModule{});
+    const platform::SystemReport report = awaited(runtime[host_services::systemReport].fetchReport()).value().at(0);
     if (isJSON) return writeJSONLine(reportJSON(report), output, terminal);
     std::string area;
     Table table(3);

@@ -2,6 +2,8 @@
 #include <host/command/awaiting.h>
 #include <host/command/login_command.h>
 #include <host/failure.h>
+#include <host/services/late_system_services.h>
+#include <host/services/value_of.h>
 #include <host/session/session_module.h>
 #include <host/terminal/json_object.h>
 #include <host/terminal/prompt.h>
@@ -182,8 +184,9 @@ void unlock(Runtime& runtime) {
     throw Failure(message ? lineOf(*message) : "the password was not given");
 }
 
-AccountStore accountsOf(const AccountOptions& options) {
-    return AccountStore(accountsFile(options.accounts));
+std::shared_ptr<AccountsService> accountsOf(const AccountOptions& options) {
+    const Runtime runtime(LateSystemServicesModule{}, SessionModule{.accountsFile = accountsFile(options.accounts)});
+    return runtime.find(host_services::accounts);
 }
 
 std::string newPassword() {
@@ -218,17 +221,15 @@ void logoutCommand(const LoginOptions& options, Output& output, const Terminal& 
 }
 
 void addAccountCommand(const AccountOptions& options) {
-    AccountStore accounts = accountsOf(options);
-    accounts.addAccount(options.email, newPassword());
+    carryOut(accountsOf(options)->addAccount(options.email, newPassword()));
 }
 
 void setPasswordCommand(const AccountOptions& options) {
-    AccountStore accounts = accountsOf(options);
-    accounts.setPassword(options.email, newPassword());
+    carryOut(accountsOf(options)->setPassword(options.email, newPassword()));
 }
 
 void secondFactorCommand(const AccountOptions& options, Output& output, const Terminal& terminal) {
-    const SecondFactor factor = accountsOf(options).addSecondFactor(options.email);
+    const SecondFactor factor = valueOf(accountsOf(options)->addSecondFactor(options.email));
     if (options.isJSON) {
         return writeJSONLine(
             JSONObject().add("secret", factor.secret).add("recoveryCodes", factor.recoveryCodes).json(), output,
@@ -241,37 +242,34 @@ void secondFactorCommand(const AccountOptions& options, Output& output, const Te
 }
 
 void addCompanyCommand(const AccountOptions& options) {
-    accountsOf(options).addCompany(options.company, options.database, options.requiresOneTimeCode);
+    carryOut(accountsOf(options)->addCompany(options.company, options.database, options.requiresOneTimeCode));
 }
 
 void joinCompanyCommand(const AccountOptions& options) {
-    accountsOf(options).join(options.email, options.company, options.user);
+    carryOut(accountsOf(options)->join(options.email, options.company, options.user));
 }
 
 void setActiveCommand(const AccountOptions& options, bool isActive) {
-    accountsOf(options).setActive(options.email, options.company, isActive);
+    carryOut(accountsOf(options)->setActive(options.email, options.company, isActive));
 }
 
 void revokeDevicesCommand(const AccountOptions& options, Output& output) {
-    const std::size_t count = accountsOf(options).revokeDevices(options.email);
+    const std::size_t count = valueOf(accountsOf(options)->revokeDevices(options.email));
     output.write(fmt::format("{} {} signed out at the next start.\n", count, count == 1 ? "device is" : "devices are"));
 }
 
 void listAccountsCommand(const AccountOptions& options, Output& output, const Terminal& terminal) {
-    AccountStore accounts = accountsOf(options);
     std::vector<std::string> objects;
     Table table(4);
-    for (const std::string& email : accounts.accounts()) {
-        const std::string factor = accounts.hasSecondFactor(email) ? "second factor" : "";
-        const auto memberships = accounts.memberships(email);
+    for (const Account& account : valueOf(accountsOf(options)->fetchAccounts())) {
         std::vector<std::string> companies;
-        for (const Membership& each : memberships)
+        for (const Membership& each : account.memberships)
             companies.push_back(each.companyName + (each.isActive ? "" : " (deactivated)"));
-        table.add({email, listed(companies), factor});
+        table.add({account.email, listed(companies), account.hasSecondFactor ? "second factor" : ""});
         objects.push_back(JSONObject()
-                              .add("email", email)
+                              .add("email", account.email)
                               .add("companies", companies)
-                              .add("hasSecondFactor", !factor.empty())
+                              .add("hasSecondFactor", account.hasSecondFactor)
                               .json());
     }
     if (options.isJSON) return writeJSONLine(JSONObject::array(objects), output, terminal);

@@ -1,6 +1,8 @@
 #include <host/contact/stored_contact.h>
+#include <host/people/address_uses.h>
 #include <host/store/embedded_keys.h>
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -110,6 +112,30 @@ Contact copied(const Contact& contact, const ObjectID<Contact>& asID, const std:
             permissions};
 }
 
+/// Throws RecordMissing when a saved detail is none of those that the contact had before, or is given twice.
+template <class Detail>
+void requireOwn(const std::vector<Detail>& details, const std::vector<Detail>& before) {
+    const auto countIn = [](const std::vector<Detail>& list, const ObjectID<Detail>& id) {
+        return std::ranges::count_if(list, [&](const Detail& each) { return each.objectID() == id; });
+    };
+    for (const Detail& detail : details) {
+        const ObjectID<Detail>& id = detail.objectID();
+        if (id.isPersistent() && (countIn(before, id) == 0 || countIn(details, id) > 1))
+            throw RecordMissing(id.stringValue());
+    }
+}
+
+std::vector<ImageAsset> picturesOf(const Contact& contact) {
+    return contact.imageAsset ? std::vector{*contact.imageAsset} : std::vector<ImageAsset>();
+}
+
+void requireOwnDetails(const Contact& contact, const Contact& before) {
+    requireOwn(contact.phones, before.phones);
+    requireOwn(contact.electronicAddresses, before.electronicAddresses);
+    requireOwn(contact.geoAddresses, before.geoAddresses);
+    requireOwn(picturesOf(contact), picturesOf(before));
+}
+
 template <class Detail>
 void giveKeys(std::vector<Detail>& details, EmbeddedKeys& keys) {
     std::vector<Detail> saved;
@@ -131,6 +157,13 @@ void giveKeys(Contact& contact, SQLite::Database& database) {
     keys.finish();
 }
 
+/// Links the contact with what its addresses occur in.
+void noteAddresses(RecordWriter& records, const Contact& contact) {
+    AddressUses addresses(records.database());
+    addresses.set(contact);
+    addresses.link(records.links());
+}
+
 }  // namespace
 
 Contact storeContact(RecordWriter& records, const Contact& contact) {
@@ -141,6 +174,8 @@ Contact storeContact(RecordWriter& records, const Contact& contact) {
     stored.deletionDate.reset();
     stored.deletionIdentifier.reset();
     stored.deletionUserID.reset();
+    requireOwnDetails(stored, before.value_or(Contact{.contactID = stored.objectID()}));
+    if (before && stored.permissions != before->permissions) records.requireAccessChangeable(*before);
     giveKeys(stored, records.database());
     if (!before) {
         records.insert(stored);
@@ -150,6 +185,7 @@ Contact storeContact(RecordWriter& records, const Contact& contact) {
         stored = copied(stored, before->objectID(), before->createDate, records.now());
         records.update(stored);
     }
+    if (stored != before) noteAddresses(records, stored);
     return stored;
 }
 
@@ -157,6 +193,7 @@ void markContactDeleted(RecordWriter& records, const ObjectID<Contact>& id) {
     Contact contact = records.deletable(id);
     records.markDeleted(contact);
     records.update(copied(contact, id, contact.createDate, records.now()));
+    noteAddresses(records, contact);
 }
 
 }  // namespace kestrel::host

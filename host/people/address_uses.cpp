@@ -1,7 +1,7 @@
 #include <host/people/address_uses.h>
 #include <host/people/file_text.h>
 #include <host/store/record_table.h>
-#include <kestrel/records/contact.h>
+#include <kestrel/invitations/meeting_invite.h>
 
 #include <algorithm>
 
@@ -14,13 +14,30 @@ void bindRecord(SQLite::Statement& statement, const AnyObjectID& record) {
     statement.bind(2, record.primaryKey().value());
 }
 
+void becomeInviteOfContact(RecordTable<MeetingInvite>& invites, const ObjectID<MeetingInvite>& id) {
+    auto invite = invites.find(id);
+    if (!invite || invite->inviteType != MeetingInviteType::external) return;
+    invite->inviteType = MeetingInviteType::contact;
+    invites.update(*invite);
+}
+
 }  // namespace
 
 AddressUses::AddressUses(SQLite::Database& database)
-    : addresses_(database, "SELECT address FROM \"AddressUse\" WHERE entity = ? AND id = ? ORDER BY address"),
+    : database_(&database),
+      addresses_(database, "SELECT address FROM \"AddressUse\" WHERE entity = ? AND id = ? ORDER BY address"),
       users_(database, "SELECT entity || '/' || id FROM \"AddressUse\" WHERE address = ? ORDER BY entity, id"),
       add_(database, "INSERT INTO \"AddressUse\"(entity, id, address) VALUES(?, ?, ?)"),
       remove_(database, "DELETE FROM \"AddressUse\" WHERE entity = ? AND id = ?") {}
+
+void AddressUses::set(const Contact& contact) {
+    std::vector<std::string> addresses;
+    if (!contact.deletionDate) {
+        for (const EmailAddress& address : contact.emailAddresses())
+            addresses.push_back(address.address.value_or(""));
+    }
+    (void)set(contact.objectID(), std::move(addresses));
+}
 
 bool AddressUses::set(const AnyObjectID& record, std::vector<std::string> addresses) {
     for (std::string& address : addresses)
@@ -41,13 +58,14 @@ bool AddressUses::set(const AnyObjectID& record, std::vector<std::string> addres
     return true;
 }
 
-std::size_t AddressUses::link(RecordLinks& links, const std::function<void(const ObjectID<MeetingInvite>&)>& linked) {
+std::size_t AddressUses::link(RecordLinks& links) {
+    RecordTable<MeetingInvite> invites(*database_);
     std::size_t count = 0;
     const auto linkTo = [&](const AnyObjectID& record, const ObjectID<Contact>& contact) {
         const auto invite = record.as<MeetingInvite>();
         if (!links.add(record, invite ? LinkKind::contact : LinkKind::subject, contact)) return;
         ++count;
-        if (invite) linked(*invite);
+        if (invite) becomeInviteOfContact(invites, *invite);
     };
     for (const AnyObjectID& record : changed_) {
         const auto contact = record.as<Contact>();

@@ -309,10 +309,7 @@ class CardImporter {
         const bool hasNewRoles = mergeRoles(key, card, !before.has_value());
         using Written = RecordStore<Contact>::Written;
         store_.count(EntryKind::card, written == Written::unchanged && hasNewRoles ? Written::changed : written);
-        std::vector<std::string> addresses;
-        for (const EmailAddress& address : contact.emailAddresses())
-            addresses.push_back(address.address.value_or(""));
-        store_.addresses().set(contact.objectID(), std::move(addresses));
+        store_.addresses().set(contact);
     }
 
     std::int64_t companyOf(const std::string& name) {

@@ -68,14 +68,7 @@ PeopleReport importPeople(PersonalData& data, SQLite::Database& database, const 
     importCalendarEntries(data.entries, store);
     importMessages(data.messages, store);
     PeopleReport report;
-    RecordStore<MeetingInvite> invites(database);
-    report.linksAdded = store.addresses().link(store.links(), [&](const ObjectID<MeetingInvite>& id) {
-        const auto before = invites.find(*id.value());
-        if (!before || before->inviteType != MeetingInviteType::external) return;
-        MeetingInvite invite = *before;
-        invite.inviteType = MeetingInviteType::contact;
-        invites.write(invite, before);
-    });
+    report.linksAdded = store.addresses().link(store.links());
     store.finish();
     for (std::size_t kind = 0; kind < entryKindCount; ++kind) {
         EntryCounts& counts = report.counts[kind] = store.counts(static_cast<EntryKind>(kind));

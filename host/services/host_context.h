@@ -68,8 +68,9 @@ class HostContext : public std::enable_shared_from_this<HostContext> {
             } else {
                 result.emplace(work(store.database()));
             }
+            const bool writes = store.database().getTotalChanges() != before;
             store.commit();
-            return store.database().getTotalChanges() != before;
+            return writes;
         });
         if (isChanged) didChange();
         if constexpr (!std::is_void_v<Result>) return *std::move(result);

@@ -1,4 +1,5 @@
 #include <host/services/late_system_services.h>
+#include <host/services/system_report_service.h>
 #include <kestrel/services/address_geocoder_service.h>
 #include <kestrel/services/system_clock_service.h>
 #include <kestrel/services/system_maps_service.h>
@@ -39,6 +40,11 @@ class Late final : public Forwarding<Protocol> {
     std::shared_ptr<System> system_;
 };
 
+class PlatformReportService final : public SystemReportService {
+  public:
+    [[nodiscard]] AnyPublisher<platform::SystemReport> fetchReport() override { return platform::systemReport(); }
+};
+
 template <class... Protocols>
 void installLate(Runtime& runtime, const std::shared_ptr<System>& system, ServiceKey<Protocols>... keys) {
     (runtime.install(keys, std::make_shared<Late<Protocols>>(system)), ...);
@@ -49,6 +55,7 @@ void installLate(Runtime& runtime, const std::shared_ptr<System>& system, Servic
 void LateSystemServicesModule::registerIn(Runtime& runtime) const {
     installLate(runtime, std::make_shared<System>(), services::geocoder, services::systemClock,
                 services::systemDefaults, services::systemMaps, services::systemNotifications, services::systemURL);
+    runtime.install(host_services::systemReport, std::make_shared<PlatformReportService>());
 }
 
 }  // namespace kestrel::host

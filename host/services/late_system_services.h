@@ -5,9 +5,9 @@
 
 namespace kestrel::host {
 
-/// The services of SystemServicesModule, which are made when one of them is asked for something for the first time. A
-/// command that asks for none leaves the desktop alone: already to watch the file of preferences would keep every
-/// command from ending for some ten milliseconds.
+/// The SystemReportService, and the services of SystemServicesModule, which are made when one of them is asked for
+/// something for the first time. A command that asks for none leaves the desktop alone: already to watch the file of
+/// preferences would keep every command from ending for some ten milliseconds.
 struct LateSystemServicesModule {
     std::string moduleName = "LateSystemServices";
 

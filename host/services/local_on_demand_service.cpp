@@ -3,6 +3,23 @@
 #include <host/store/find_record.h>
 
 namespace kestrel::host {
+namespace {
+
+/// Why a record that was asked for here is not to be had.
+OnDemandError onDemandError(const ReadError& error) {
+    using enum ReadErrorCaseName;
+    switch (error.caseName()) {
+        case notFound: return OnDemandError::objectNotFound;
+        case unexpectedType: return OnDemandError::noContentAvailable;
+        case missingObjectID:
+        case underlyingError: return OnDemandError::client;
+        case cancelled:
+        case fetchError: break;
+    }
+    return OnDemandError::unexpected;
+}
+
+}  // namespace
 
 AnyPublisher<OnDemandFreshness, OnDemandError> LocalOnDemandService::fetchRecord(const AnyObjectID& id) {
     return answering<OnDemandFreshness, OnDemandError>(
@@ -15,8 +32,9 @@ AnyPublisher<OnDemandFreshness, OnDemandError> LocalOnDemandService::fetchRecord
                     return isReadable;
                 });
             });
-            if (isHeld && *isHeld) return OnDemandFreshness::fresh;
-            return std::unexpected(OnDemandError::serverUnreachable);
+            if (!isHeld) return std::unexpected(onDemandError(isHeld.error()));
+            if (!*isHeld) return std::unexpected(OnDemandError::objectNotFound);
+            return OnDemandFreshness::fresh;
         });
 }
 

@@ -8,8 +8,14 @@
 namespace kestrel::host {
 
 /// Fetching from a server, for a host that has none. The database is all there is: what it holds, as far as the
-/// signed-in user may read it, is fresh and stays so; what it does not hold cannot be asked for, as no server can be
-/// reached. Synchronising fails, and says why; there never is another run. Schemas are migrated by the change that
+/// signed-in user may read it, is fresh and stays so. Anything else fails:
+///
+/// - `objectNotFound` for a record that it does not hold, or that is deleted or hidden from the user;
+/// - `noContentAvailable` for one of a type that databases do not keep;
+/// - `client` for an identifier that is not saved, or while nobody is signed in who is known to the database;
+/// - `unexpected` when the database cannot be read.
+///
+/// Synchronising fails, and says why; there never is another run. Schemas are migrated by the change that
 /// finds an old one, so no migration is ever under way.
 class LocalOnDemandService final : public OnDemandService {
   public:

@@ -31,11 +31,21 @@ std::string preferenceName(const HostContext& context, BoardKind kind, const Use
                        std::filesystem::absolute(context.file()).lexically_normal().native());
 }
 
-/// What `change` refuses, if anything; whatever else stops it counts as `otherwise`.
+/// What `change` refuses, if anything. Without a database there is no record to change; in one that cannot be written,
+/// and without a user who is known to it, nothing may be.
 template <class Error, class Change>
-std::optional<Error> refusalOf(HostContext& context, Error otherwise, const Change& change) {
-    const auto result = readingResult([&] { return context.write(change); });
-    return result ? *result : std::optional(otherwise);
+std::optional<Error> refusalOf(HostContext& context, Error notFound, const Change& change) {
+    try {
+        return context.write(change);
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const DatabaseMissing&) {
+        return notFound;
+    } catch (const RecordMissing&) {
+        return notFound;
+    } catch (const std::exception&) {
+        return Error::noWritePermission;
+    }
 }
 
 }  // namespace

@@ -29,4 +29,13 @@ template <class Output, class Error>
     throw Failure("a service gave no answer");
 }
 
+/// Has a service do what it finishes with at once; throws its failure, as `throwAgain` does.
+template <class Error>
+void carryOut(const AnyPublisher<Never, Error>& publisher) {
+    std::optional<Error> failure;
+    const auto subscription =
+        publisher.sink([&](const Completion<Error>& completion) { failure = completion.failure(); });
+    if (failure) throwAgain(*failure);
+}
+
 }  // namespace kestrel::host

@@ -279,6 +279,7 @@ std::optional<LoginError> AccountLogin::checkDatabase(const Membership& membersh
 }
 
 bool AccountLogin::migrate(const Membership& membership) {
+    const SessionState before = session_->current();
     try {
         if (schemaVersionOf(membership.database) == schemaVersion) return true;
         session_->move(SessionState::loggedIn(SessionState::LoggedIn::migratingSchema));
@@ -287,8 +288,11 @@ bool AccountLogin::migrate(const Membership& membership) {
         return true;
     } catch (const Failure&) {
         return false;
-    } catch (const SQLite::Exception&) {
-        return false;
+    } catch (const SQLite::Exception& problem) {
+        if (problem.getErrorCode() != SQLITE_BUSY && problem.getErrorCode() != SQLITE_LOCKED) return false;
+        // What passes is not this database's last word.
+        session_->move(before);
+        throw;
     }
 }
 

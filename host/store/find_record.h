@@ -14,8 +14,8 @@ namespace kestrel::host {
 /// means none.
 [[nodiscard]] AnyObjectID identifierOf(std::string_view text);
 
-/// Calls `visit` with the record of an identifier. A Failure when the database has no such record, or keeps none of its
-/// type.
+/// Calls `visit` with the record of an identifier. A Failure when the database has no such record, WrongType when it
+/// keeps none of its type.
 template <class Visitor>
 void visitRecord(SQLite::Database& database, const AnyObjectID& id, Visitor&& visit) {
     bool isStoredType = false;
@@ -28,7 +28,7 @@ void visitRecord(SQLite::Database& database, const AnyObjectID& id, Visitor&& vi
         if (!record) throw RecordMissing(id.stringValue());
         visit(*record);
     });
-    if (!isStoredType) throw Failure("databases keep no records of " + std::string(id.entityName()));
+    if (!isStoredType) throw WrongType("databases keep no records of " + std::string(id.entityName()));
 }
 
 }  // namespace kestrel::host

@@ -45,6 +45,14 @@ class RecordWriter : public ReadableRecords {
         }
         return record;
     }
+    /// Who may see and change a record is more than what stands in it: a Refusal when the user could not even delete
+    /// the record, as it is now.
+    template <AuthorizedAccess Record>
+    void requireAccessChangeable(const Record& record) {
+        if (checker().canDelete(record)) return;
+        throw Refusal(fmt::format("{} may not change who sees {}; `kestrel access` says why", shownName(user()),
+                                  record.objectID().stringValue()));
+    }
     /// Says of a record that the user has deleted it.
     template <class Record>
     void markDeleted(Record& record) const {

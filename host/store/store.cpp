@@ -2,7 +2,9 @@
 #include <fmt/format.h>
 #include <host/store/schema.h>
 #include <host/store/store.h>
+#include <kestrel/foundation/uuid.h>
 #include <sqlite3.h>
+#include <stdio.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -52,16 +54,12 @@ void requireCurrentSchema(SQLite::Database& database, const std::filesystem::pat
     }
 }
 
-Failure missingDatabase(const std::filesystem::path& file) {
-    return Failure(fmt::format("{}: there is no such database; `kestrel import` makes one", file.native()));
-}
-
 /// A reader needs the files beside a database in WAL mode, and makes them where it may. Where it may not, on a medium
 /// for reading only, a database that nobody is writing is read as it is.
 SQLite::Database openForReading(const std::filesystem::path& file) {
     const std::string path = pathForSQLite(file);
     std::error_code problem;
-    if (!std::filesystem::exists(path, problem)) throw missingDatabase(file);
+    if (!std::filesystem::exists(path, problem)) throw DatabaseMissing(file.native());
     if (std::filesystem::is_directory(path, problem))
         throw Failure(fmt::format("{}: is a folder, no database", file.native()));
     const std::string folder = std::filesystem::path(path).parent_path().native();
@@ -75,20 +73,54 @@ SQLite::Database openForReading(const std::filesystem::path& file) {
     return SQLite::Database(uri + "?immutable=1", SQLite::OPEN_READONLY | SQLite::OPEN_URI, busyTimeout);
 }
 
-/// Makes the file when there is none, if that is wanted; whether it did.
-bool makeFile(const std::filesystem::path& file, WritingStore::WhenMissing whenMissing) {
+/// Whether there is a file. A link counts as such: a database is not made where it points to.
+bool isTaken(const std::filesystem::path& file) {
     std::error_code problem;
+    return std::filesystem::exists(std::filesystem::symlink_status(file, problem));
+}
+
+/// A Failure when SQLite would take files that an earlier database of the name has left for those of a new one.
+void refuseLeftovers(const std::filesystem::path& file) {
+    for (const char* suffix : {"-wal", "-journal"}) {
+        const std::filesystem::path left = file.native() + suffix;
+        std::error_code problem;
+        const auto size = std::filesystem::file_size(left, problem);
+        if (!problem && size > 0)
+            throw Failure(fmt::format("{}: is left of a database that is gone; remove it first", left.native()));
+    }
+}
+
+/// Makes an empty file for a new database, when there is none and that is wanted; empty when there is one.
+std::filesystem::path makeUnfinished(const std::filesystem::path& file, WritingStore::WhenMissing whenMissing) {
     if (whenMissing == WritingStore::WhenMissing::fail) {
-        if (!std::filesystem::exists(file, problem)) throw missingDatabase(file);
-        return false;
+        std::error_code problem;
+        if (!std::filesystem::exists(file, problem)) throw DatabaseMissing(file.native());
+        return {};
     }
-    const int descriptor = ::open(file.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (descriptor >= 0) {
-        ::close(descriptor);
-        return true;
-    }
-    if (errno == EEXIST) return false;
+    if (isTaken(file)) return {};
+    if (!file.has_filename()) throw Failure(fmt::format("\"{}\" is no name of a file", file.native()));
+    refuseLeftovers(file);
+    auto unfinished = std::filesystem::absolute(file).replace_filename(".kestrel-" + UUID::random().text());
+    const int descriptor = ::open(unfinished.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (descriptor < 0) throw Failure(fmt::format("{}: cannot be made: {}", file.native(), std::strerror(errno)));
+    ::close(descriptor);
+    return unfinished;
+}
+
+/// Gives a new database its name. A Failure when somebody else's file has it.
+void giveName(const std::filesystem::path& unfinished, const std::filesystem::path& file) {
+    if (!isTaken(file)) refuseLeftovers(file);
+    if (::renameat2(AT_FDCWD, unfinished.c_str(), AT_FDCWD, file.c_str(), RENAME_NOREPLACE) == 0) return;
+    // Some file systems of a network do not rename like that. Whoever made the file removes its first name.
+    if (errno == EINVAL && ::link(unfinished.c_str(), file.c_str()) == 0) return;
+    if (errno == EEXIST)
+        throw Failure(fmt::format("{}: somebody else has made it meanwhile; nothing was written", file.native()));
     throw Failure(fmt::format("{}: cannot be made: {}", file.native(), std::strerror(errno)));
+}
+
+void setJournalMode(SQLite::Database& database, const char* mode, const std::filesystem::path& file) {
+    const std::string set = database.execAndGet(fmt::format("PRAGMA journal_mode = {}", mode)).getString();
+    if (set != mode) throw Failure(fmt::format("{}: cannot be put into journal mode {}", file.native(), mode));
 }
 
 }  // namespace
@@ -119,13 +151,14 @@ ReadingStore::ReadingStore(const std::filesystem::path& file) : database_(openFo
 }
 
 WritingStore::WritingStore(const std::filesystem::path& file, WhenMissing whenMissing)
-    : file_(file), isNewFile_(makeFile(file, whenMissing)) {
+    : file_(file), unfinished_(makeUnfinished(file, whenMissing)) {
+    const bool isNew = !unfinished_.empty();
     try {
-        database_.emplace(pathForSQLite(file), SQLite::OPEN_READWRITE, busyTimeout);
+        database_.emplace(pathForSQLite(isNew ? unfinished_ : file), SQLite::OPEN_READWRITE, busyTimeout);
         // Before anything is written: the database may be somebody else's.
         (void)checkedVersion(*database_, file);
-        const std::string mode = database_->execAndGet("PRAGMA journal_mode = WAL").getString();
-        if (mode != "wal") throw Failure(fmt::format("{}: cannot be put into WAL mode", file.native()));
+        // A new database is thrown away when it is not finished: it needs no journal on disk until it is.
+        setJournalMode(*database_, isNew ? "memory" : "wal", file);
         database_->exec("PRAGMA foreign_keys = ON");
         // In kibibytes: a whole import stays in memory.
         database_->exec("PRAGMA cache_size = -65536");
@@ -146,16 +179,19 @@ WritingStore::~WritingStore() {
 void WritingStore::close() noexcept {
     transaction_.reset();
     database_.reset();
-    if (!isNewFile_ || isCommitted_) return;
+    if (unfinished_.empty()) return;
     for (const char* suffix : {"", "-wal", "-shm"}) {
         std::error_code ignored;
-        std::filesystem::remove(file_.native() + suffix, ignored);
+        std::filesystem::remove(unfinished_.native() + suffix, ignored);
     }
 }
 
 void WritingStore::commit() {
     transaction_->commit();
-    isCommitted_ = true;
+    transaction_.reset();
+    if (!unfinished_.empty()) setJournalMode(*database_, "wal", file_);
+    database_.reset();
+    if (!unfinished_.empty()) giveName(unfinished_, file_);
 }
 
 Failure databaseFailure(const std::filesystem::path& file, const SQLite::Exception& problem) {

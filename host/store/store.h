@@ -59,6 +59,9 @@ class ReadingStore {
 
 /// A database that is open for one change, made if it does not exist and brought to the current schema. Without
 /// `commit` the file is afterwards as it was before, and there is none if there was none.
+///
+/// A new database lies under a name of its own, in the same folder, until it is committed: nobody else sees it before,
+/// and what somebody else has made meanwhile under the name that it is to have is neither replaced nor removed.
 class WritingStore {
   public:
     enum class WhenMissing : std::uint8_t { make, fail };
@@ -68,7 +71,9 @@ class WritingStore {
     WritingStore(const WritingStore&) = delete;
     WritingStore& operator=(const WritingStore&) = delete;
 
+    /// Not to be called after `commit`.
     [[nodiscard]] SQLite::Database& database() noexcept { return *database_; }
+    /// Closes the database, too. A Failure, and nothing is written, when a new one finds its name taken.
     void commit();
 
   private:
@@ -76,8 +81,8 @@ class WritingStore {
     void close() noexcept;
 
     std::filesystem::path file_;
-    bool isNewFile_;
-    bool isCommitted_ = false;
+    /// Where a new database lies while it is made; empty for one that was there.
+    std::filesystem::path unfinished_;
     std::optional<SQLite::Database> database_;
     std::optional<SQLite::Transaction> transaction_;
 };

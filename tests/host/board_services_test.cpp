@@ -6,6 +6,7 @@
 #include <kestrel/services/pipeline_board_service.h>
 
 #include <algorithm>
+#include <tuple>
 
 namespace kestrel::host::test {
 namespace {
@@ -180,6 +181,42 @@ TEST_F(BoardServices, refuseToMoveACardForTheFirstReasonThatHolds) {
     EXPECT_EQ(failureFrom(missing[services::pipelineBoard].changeStage(
                   {.id = PipelineBoardObjectID::project(move), .stageID = started})),
               ChangeStageError::objectiveNotFound);
+}
+
+TEST_F(BoardServices, refuseAStayThatEndsBeforeItStarts) {
+    donn.time().advanceBy(100);
+    const std::string before = dumpOf(database.path());
+    const auto stay = [&](std::optional<Date> start, Date end) {
+        return moved({.id = PipelineBoardObjectID::project(move), .stageID = delivered, .start = start, .end = end});
+    };
+    EXPECT_EQ(stay(Date(50), Date(49)), ChangeStageError::noWritePermission);
+    EXPECT_EQ(stay(std::nullopt, Date(99)), ChangeStageError::noWritePermission) << "it starts now";
+    EXPECT_EQ(dumpOf(database.path()), before);
+    EXPECT_EQ(stay(Date(50), Date(50)), std::nullopt);
+}
+
+TEST_F(BoardServices, tellWhatMayNotBeChangedFromWhatThereIsNot) {
+    const auto failures = [](ServedDatabase& served) {
+        auto& board = served[services::pipelineBoard];
+        return std::tuple(
+            failureFrom(board.changeStage({.id = PipelineBoardObjectID::project(move), .stageID = delivered})),
+            failureFrom(board.changeState(newDeal, {.state = OpportunityState::won})),
+            failureFrom(board.changeStatus(move, 5)));
+    };
+    const auto notFound = std::tuple(ChangeStageError::objectiveNotFound, ChangeStateError::opportunityNotFound,
+                                     ChangeStatusError::projectNotFound);
+    const auto noPermission = std::tuple(ChangeStageError::noWritePermission, ChangeStateError::noWritePermission,
+                                         ChangeStatusError::noWritePermission);
+    ServedDatabase missing("/nowhere/crm.db", "Donn Cantrell");
+    EXPECT_EQ(failures(missing), notFound);
+    ServedDatabase moses(database.path(), "moses.frase");
+    EXPECT_EQ(failures(moses), notFound) << "what is hidden is not there";
+    for (const auto& user : {std::optional<std::string>(), std::optional<std::string>("somebody else")}) {
+        ServedDatabase stranger(database.path(), user);
+        EXPECT_EQ(failures(stranger), noPermission);
+    }
+    SQLite::Database(database.path(), SQLite::OPEN_READWRITE).exec("PRAGMA user_version = 99");
+    EXPECT_EQ(failures(donn), noPermission) << "a newer version's database is not written";
 }
 
 TEST_F(BoardServices, showAndMoveProjects) {

@@ -286,7 +286,7 @@ TEST_F(Board, refusesWhatThereIsNot) {
         {"Mosse Frase", {}, 1, R"(there is no user "Mosse Frase"; did you mean "Moses Frase")"},
         {"Snelling", {}, 1, R"(did you mean "Anna Snelling")"},
         {"zzzzzzzz", {}, 1, "there is no user \"zzzzzzzz\"\n"},
-        {"", {}, 1, "there is no user \"\"\n"},
+        {"", {}, 2, "--user is required, as nobody is signed in"},
         {"a\x1b[31m", {}, 1, R"(there is no user "a\u{1b}[31m")"},
         {"administrator",
          {"--filter", "size=9"},
@@ -312,9 +312,13 @@ TEST_F(Board, refusesWhatThereIsNot) {
         {"administrator", {"--limit", "-1"}, 2, R"("-1" is no number of cards)"},
         {"administrator", {"--limit", "99999999999999999999"}, 2, "is no number of cards"},
     };
+    // A home where nobody is signed in.
+    const TemporaryFolder home;
+    const Conditions conditions{
+        .environment = {{"XDG_DATA_HOME", home / "data"}, {"XDG_CONFIG_HOME", home / "config"}}};
     for (const Case& one : cases) {
         SCOPED_TRACE(one.message);
-        const Outcome outcome = kestrel(boardArguments(database, one.user, one.arguments));
+        const Outcome outcome = kestrel(boardArguments(database, one.user, one.arguments), conditions);
         EXPECT_EQ(outcome.exitCode, one.exitCode);
         EXPECT_EQ(outcome.output, "");
         EXPECT_THAT(outcome.errors, AllOf(StartsWith("kestrel: "), HasSubstr(one.message)));

@@ -107,5 +107,25 @@ TEST_F(ImportServices, stopAnImportAtAnyStep) {
     EXPECT_NE(dumpOf(file()), before);
 }
 
+TEST_F(ImportServices, leaveTheDatabaseOfAnotherProgramWhenTheyAreGivenUp) {
+    for (const bool isPreview : {true, false}) {
+        SCOPED_TRACE(isPreview);
+        std::filesystem::remove(file());
+        std::string made;
+        const auto measuring = imports.observeProgress().sink([&](const ProgressSnapshot& snapshot) {
+            // The last step: the database of this import is as good as finished.
+            if (snapshot.fractionCompleted < 1) return;
+            ASSERT_EQ(kestrel({"import", folder / "people" / "Ada.vcf", "--database", file()}).exitCode, 0);
+            made = dumpOf(file());
+            if (!isPreview) imports.cancelImport();
+        });
+        const auto given =
+            isPreview ? failureFrom(imports.previewImport(paths)) : failureFrom(imports.importFiles(paths));
+        EXPECT_EQ(given.has_value(), !isPreview);
+        ASSERT_NE(made, "");
+        EXPECT_EQ(dumpOf(file()), made);
+    }
+}
+
 }  // namespace
 }  // namespace kestrel::host::test

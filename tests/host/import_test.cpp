@@ -504,6 +504,42 @@ TEST(Store, takesBackWhatIsNotCommitted) {
         EXPECT_FALSE(std::filesystem::exists(folder / name)) << name;
 }
 
+TEST(Store, leavesAloneWhatSomebodyElseMakesMeanwhile) {
+    for (const bool commits : {false, true}) {
+        SCOPED_TRACE(commits);
+        const TemporaryFolder folder;
+        std::string made;
+        {
+            WritingStore store(folder / "new.db");
+            RecordTable<Team>(store.database()).insert(Team{.teamID = 99});
+            EXPECT_FALSE(std::filesystem::exists(folder / "new.db")) << "nobody sees what is not finished";
+            ASSERT_EQ(importFiles(smallExport, folder / "new.db").exitCode, 0);
+            made = dumpOf(folder / "new.db");
+            if (commits) {
+                EXPECT_THROW(store.commit(), Failure);
+            }
+        }
+        ASSERT_NE(made.find("GTX Pro for Cancity"), made.npos);
+        EXPECT_EQ(dumpOf(folder / "new.db"), made);
+        for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
+            EXPECT_THAT(entry.path().filename(), StartsWith("new.db"));
+    }
+}
+
+TEST(Store, makesNoDatabaseBesideTheLogOfAnotherOrWithoutAName) {
+    const TemporaryFolder folder;
+    for (const auto* log : {"new.db-wal", "new.db-journal"}) {
+        writeText(folder / log, "What an earlier database has left.");
+        EXPECT_EQ(importFiles(smallExport, folder / "new.db").errors,
+                  "kestrel: " + (folder / log).native() + ": is left of a database that is gone; remove it first\n");
+        EXPECT_FALSE(std::filesystem::exists(folder / "new.db"));
+        // Whoever has only read leaves an empty one.
+        writeText(folder / log, "");
+    }
+    EXPECT_EQ(importFiles(smallExport, folder / "new.db").exitCode, 0);
+    EXPECT_EQ(importFiles(smallExport, "").errors, "kestrel: \"\" is no name of a file\n");
+}
+
 TEST(Store, tellsWhichRecordIsDamaged) {
     const TemporaryFolder folder;
     ASSERT_EQ(importFiles(smallExport, folder / "crm.db").exitCode, 0);

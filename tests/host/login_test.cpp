@@ -3,6 +3,7 @@
 #include <host/accounts/secrets.h>
 #include <host/failure.h>
 #include <host/session/account_login.h>
+#include <host/session/session_module.h>
 #include <kestrel/testing/test_services_module.h>
 #include <sys/stat.h>
 
@@ -13,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-#include "support.h"
+#include "services.h"
 
 namespace kestrel::host::test {
 namespace {
@@ -191,6 +192,58 @@ TEST_F(Login, refusesDatabasesThatAreGoneOrDamagedAndBringsOldOnesUpToDate) {
 
     ASSERT_EQ(run({"account", "join", "moses@example.com", "Acme", "--user", "Nobody"}).exitCode, 0);
     EXPECT_NE(login().errors.find("(offlineSetupError)"), std::string::npos);
+}
+
+TEST_F(Login, isEndedWhenTheDatabaseCannotBeBroughtToTheCurrentSchema) {
+    ASSERT_EQ(run({"login", "moses@example.com"}, "secret\n").exitCode, 0);
+    // A newer version has been at work.
+    SQLite::Database(database, SQLite::OPEN_READWRITE).exec("PRAGMA user_version = 99");
+    const Outcome ended = run({"login", "--status"});
+    EXPECT_EQ(ended.exitCode, 1);
+    EXPECT_EQ(ended.errors,
+              "kestrel: You were signed out of Acme. The database could not be brought to the current schema. "
+              "(migrationFailure)\n");
+    EXPECT_EQ(status(), "Nobody is signed in.\n") << "signed out for good";
+    EXPECT_NE(run({"login", "moses@example.com"}, "secret\n").errors.find("(offlineSetupError)"), std::string::npos);
+}
+
+TEST_F(Login, isNotGivenBackByJoiningAgain) {
+    const auto join = [&] { return run({"account", "join", "moses@example.com", "Acme", "--user", "Donn Cantrell"}); };
+    ASSERT_EQ(run({"account", "deactivate", "moses@example.com", "Acme"}).exitCode, 0);
+    EXPECT_EQ(join().errors,
+              "kestrel: moses@example.com was deactivated in Acme; `kestrel account activate` takes that back\n");
+    EXPECT_EQ(run({"account", "list"}).output, "moses@example.com  Acme (deactivated)\n");
+    EXPECT_EQ(run({"login", "moses@example.com"}, "secret\n").exitCode, 1);
+    ASSERT_EQ(run({"account", "activate", "moses@example.com", "Acme"}).exitCode, 0);
+    ASSERT_EQ(join().errors, "");
+    ASSERT_EQ(run({"login", "moses@example.com"}, "secret\n").exitCode, 0);
+    EXPECT_EQ(status(), "Donn Cantrell is signed in to Acme.\n");
+}
+
+TEST_F(Login, hasItsAccountsManagedByAServiceOfTheRuntime) {
+    const Runtime runtime(TestServicesModule{}, SessionModule{.accountsFile = accounts});
+    AccountsService& service = runtime[host_services::accounts];
+    EXPECT_EQ(failureFrom(service.addAccount("ada@example.com", "word")), std::nullopt);
+    EXPECT_EQ(refusalIn(failureFrom(service.addAccount("ada@example.com", "word"))),
+              "there is an account of ada@example.com already");
+    EXPECT_EQ(failureFrom(service.addCompany("Zenith", database, true)), std::nullopt);
+    EXPECT_EQ(failureFrom(service.join("ada@example.com", "Zenith", "Donn Cantrell")), std::nullopt);
+    EXPECT_EQ(failureFrom(service.setActive("ada@example.com", "Zenith", false)), std::nullopt);
+    EXPECT_EQ(valueFrom(service.addSecondFactor("ada@example.com")).recoveryCodes.size(), 8U);
+    const Account expected{.email = "ada@example.com",
+                           .hasSecondFactor = true,
+                           .memberships = {{.companyID = 2,
+                                            .companyName = "Zenith",
+                                            .database = database,
+                                            .username = "Donn Cantrell",
+                                            .isActive = false,
+                                            .requiresOneTimeCode = true}}};
+    EXPECT_EQ(valueFrom(service.fetchAccounts()).at(0), expected);
+
+    EXPECT_EQ(failureFrom(service.setPassword("moses@example.com", "changed")), std::nullopt);
+    ASSERT_EQ(run({"login", "moses@example.com"}, "changed\n").exitCode, 0);
+    EXPECT_EQ(valueFrom(service.revokeDevices("moses@example.com")), 1U);
+    EXPECT_NE(run({"login", "--status"}).errors.find("(deviceRevoked)"), std::string::npos);
 }
 
 TEST_F(Login, keepsSecretsOutOfItsFiles) {

@@ -4,7 +4,10 @@
 #include <gtest/gtest.h>
 #include <host/services/host_runtime.h>
 #include <host/services/records_service.h>
+#include <host/services/system_report_service.h>
 #include <host/services/value_of.h>
+#include <kestrel/activity/email.h>
+#include <kestrel/invitations/meeting_invite.h>
 #include <kestrel/services/activity_service.h>
 #include <kestrel/services/categories_service.h>
 #include <kestrel/services/contacts_service.h>
@@ -85,7 +88,7 @@ TEST_F(HostServices, reportADatabaseThatCannotBeReadWithoutThrowing) {
     EXPECT_FALSE(std::filesystem::exists(folder / "none.db"));
     EXPECT_EQ(answerOf(missing[services::permissions].observePermissionChecker()).values,
               std::vector{PermissionChecker::empty()});
-    EXPECT_EQ(failureFrom(missing[services::onDemand].fetchRecord(ada)), OnDemandError::serverUnreachable);
+    EXPECT_EQ(failureFrom(missing[services::onDemand].fetchRecord(ada)), OnDemandError::unexpected);
     // As the command says it again.
     EXPECT_THROW((void)valueOf(missing[services::contacts].fetchContact(ada), ada), Failure);
     try {
@@ -224,6 +227,114 @@ TEST_F(HostServices, deleteAContactSoftly) {
         writer.change(mosesFrase, [](User& user) { user.isRestrictedToDeleteObjects = true; });
     });
     EXPECT_EQ(failureFrom(contacts.deleteContact(20)), UpdateError::deleteNotAllowed());
+}
+
+TEST_F(HostServices, linkAContactWithTheMailAndTheEventsOfItsAddresses) {
+    const TemporaryFolder folder;
+    const auto importText = [&](const char* name, const std::string& text) {
+        writeText(folder / name, text);
+        return kestrel({"import", folder / name, "--database", database.path()}).exitCode;
+    };
+    const auto mailOf = [&](const ObjectID<Contact>& id) {
+        ReadingStore store(database.path());
+        return RecordLinks(store.database()).linked<Email>(LinkKind::subject, id);
+    };
+    const auto invited = [&] {
+        ReadingStore store(database.path());
+        return RecordTable<MeetingInvite>(store.database()).all().at(0);
+    };
+    ASSERT_EQ(importText("first.eml", "From: Countess@example.org\nMessage-ID: <1@x>\nSubject: First\n\nBody\n"), 0);
+    ASSERT_EQ(importText("tea.ics",
+                         "BEGIN:VCALENDAR\nVERSION:2.0\nPRODID:-//T\nBEGIN:VEVENT\nUID:tea\nDTSTAMP:20170101T000000Z\n"
+                         "DTSTART:20170301T090000Z\nSUMMARY:Tea\nATTENDEE:mailto:countess@example.org\nEND:VEVENT\n"
+                         "END:VCALENDAR\n"),
+              0);
+    EXPECT_THAT(mailOf(ada), ElementsAre());
+    EXPECT_EQ(invited().inviteType, MeetingInviteType::external);
+
+    auto& contacts = moses[services::contacts];
+    Contact contact = valueFrom(contacts.fetchContact(ada));
+    contact.setEmailAddresses(std::vector{
+        EmailAddress{.electronicAddressID = ObjectID<AnyElectronicAddress>(), .address = "countess@Example.org"}});
+    contact = valueFrom(contacts.updateContact(contact));
+    EXPECT_THAT(mailOf(ada), ElementsAre(ObjectID<Email>(1)));
+    EXPECT_EQ(invited().inviteType, MeetingInviteType::contact);
+    // Also what comes later, as long as the contact has the address.
+    ASSERT_EQ(importText("second.eml", "From: countess@example.org\nMessage-ID: <2@x>\nSubject: Second\n\nBody\n"), 0);
+    EXPECT_EQ(mailOf(ada).size(), 2U);
+    contact.setEmailAddresses({});
+    (void)valueFrom(contacts.updateContact(contact));
+    ASSERT_EQ(importText("third.eml", "From: countess@example.org\nMessage-ID: <3@x>\nSubject: Third\n\nBody\n"), 0);
+    EXPECT_EQ(mailOf(ada).size(), 2U);
+
+    // A new contact has it as well, until it is deleted.
+    Contact draft{.contactID = ObjectID<Contact>()};
+    draft.setEmailAddresses(std::vector{
+        EmailAddress{.electronicAddressID = ObjectID<AnyElectronicAddress>(), .address = "countess@example.org"}});
+    const ObjectID<Contact> heir = valueFrom(contacts.updateContact(draft)).objectID();
+    EXPECT_EQ(mailOf(heir).size(), 3U);
+    EXPECT_TRUE(answerOf(contacts.deleteContact(heir)).hasFinished);
+    ASSERT_EQ(importText("fourth.eml", "From: countess@example.org\nMessage-ID: <4@x>\nSubject: Fourth\n\nBody\n"), 0);
+    EXPECT_EQ(mailOf(heir).size(), 3U);
+}
+
+TEST_F(HostServices, letThoseChangePermissionsWhoMayDelete) {
+    auto& contacts = moses[services::contacts];
+    Contact contact = valueFrom(contacts.fetchContact(ada));
+    contact.permissions = onlyFor(teamCentral);
+    const auto restrict = [&](bool isRestricted) {
+        database.write([&](PeopleDatabase::Writer& writer) {
+            writer.change(mosesFrase, [&](User& user) { user.isRestrictedToDeleteObjects = isRestricted; });
+        });
+    };
+    restrict(true);
+    const std::string before = dumpOf(database.path());
+    EXPECT_EQ(refusalIn(failureFrom(contacts.updateContact(contact))),
+              "Moses Frase may not change who sees Contact/1; `kestrel access` says why");
+    EXPECT_EQ(dumpOf(database.path()), before);
+    // Everything else may be changed, and a new contact have what permissions its user wants.
+    contact.permissions = {};
+    contact.nickname = "Countess";
+    EXPECT_EQ(valueFrom(contacts.updateContact(contact)).nickname, "Countess");
+    EXPECT_EQ(valueFrom(contacts.updateContact(
+                            Contact{.contactID = ObjectID<Contact>(), .permissions = onlyFor(teamCentral)}))
+                  .permissions,
+              onlyFor(teamCentral));
+    restrict(false);
+    contact.permissions = onlyFor(teamCentral);
+    EXPECT_EQ(valueFrom(contacts.updateContact(contact)).permissions, onlyFor(teamCentral));
+}
+
+TEST_F(HostServices, refuseDetailsThatAreNoneOfTheContact) {
+    auto& contacts = moses[services::contacts];
+    Contact full{.contactID = ObjectID<Contact>()};
+    full.phones = {Phone{.phoneID = ObjectID<Phone>(), .number = "1"}};
+    full.electronicAddresses = {
+        {.electronicAddressID = ObjectID<AnyElectronicAddress>(), .address = "https://example.org"}};
+    full.geoAddresses = {{.geoAddressID = ObjectID<GeoAddress>(), .city = "London"}};
+    full.imageAsset = ImageAsset{.imageAssetID = ObjectID<ImageAsset>(), .height = 3};
+    full = valueFrom(contacts.updateContact(full));
+    const Contact before = valueFrom(contacts.fetchContact(ada));
+    const std::string dump = dumpOf(database.path());
+    const auto refused = [&](auto&& take, const Contact& from) {
+        Contact contact = from;
+        take(contact);
+        return failureFrom(contacts.updateContact(contact));
+    };
+    for (const Contact& other : {before, Contact{.contactID = ObjectID<Contact>()}}) {
+        SCOPED_TRACE(other.objectID().stringValue());
+        EXPECT_EQ(refused([&](Contact& to) { to.phones = full.phones; }, other), UpdateError::notFound());
+        EXPECT_EQ(refused([&](Contact& to) { to.electronicAddresses = full.electronicAddresses; }, other),
+                  UpdateError::notFound());
+        EXPECT_EQ(refused([&](Contact& to) { to.geoAddresses = full.geoAddresses; }, other), UpdateError::notFound());
+        EXPECT_EQ(refused([&](Contact& to) { to.imageAsset = full.imageAsset; }, other), UpdateError::notFound());
+    }
+    EXPECT_EQ(refused([](Contact& to) { to.phones.push_back(to.phones[0]); }, full), UpdateError::notFound())
+        << "one identifier stands for one phone";
+    EXPECT_EQ(dumpOf(database.path()), dump);
+    // Its own stay, and may go.
+    EXPECT_EQ(refused([](Contact& to) { to.phones[0].number = "2"; }, full), std::nullopt);
+    EXPECT_EQ(refused([](Contact& to) { to.phones.clear(); }, full), std::nullopt);
 }
 
 // Observing
@@ -407,8 +518,9 @@ TEST_F(HostServices, completeTasksAndSingleOccurrences) {
 TEST(HostRuntime, hasTheServicesOfTheSystemForThoseWhoAsk) {
     Runtime runtime = makeHostRuntime("/nowhere/crm.db", "nobody");
     EXPECT_LT(std::abs(runtime[services::systemClock].now() - Date::now()), 60);
-    for (const auto& protocol : {"AddressGeocoderService", "SystemUserDefaultsService", "SystemNotificationsService",
-                                 "ContactsService", "SessionService", "LoginStorageService", "LoginService"})
+    for (const auto& protocol :
+         {"AddressGeocoderService", "SystemUserDefaultsService", "SystemNotificationsService", "ContactsService",
+          "SessionService", "LoginStorageService", "LoginService", "AccountsService", "SystemReportService"})
         EXPECT_THAT(runtime.installedProtocols(), testing::Contains(HasSubstr(protocol)));
 }
 
@@ -419,7 +531,11 @@ TEST_F(HostServices, sayThatThereIsNoServer) {
     EXPECT_FALSE(onDemand.isAvailable());
     EXPECT_EQ(valueFrom(onDemand.fetchRecord(ada)), OnDemandFreshness::fresh);
     for (const auto& id : {hidden, gone, ObjectID<Contact>(99)})
-        EXPECT_EQ(failureFrom(onDemand.fetchActivity(id)), OnDemandError::serverUnreachable);
+        EXPECT_EQ(failureFrom(onDemand.fetchActivity(id)), OnDemandError::objectNotFound);
+    EXPECT_EQ(failureFrom(onDemand.fetchRecord(ObjectID<Contact>())), OnDemandError::client);
+    EXPECT_EQ(failureFrom(onDemand.fetchRecord(ObjectID<Phone>(1))), OnDemandError::noContentAvailable);
+    moses.user().set(std::nullopt);
+    EXPECT_EQ(failureFrom(onDemand.fetchRecord(ada)), OnDemandError::client);
     moses.time().advanceBy(60);
     const SyncStatus status = valueFrom(onDemand.synchronize());
     EXPECT_TRUE(status.result.failure());
