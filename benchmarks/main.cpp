@@ -12,6 +12,8 @@ int main(int argc, char** argv) {
     benchmarks::addCoding();
     benchmarks::addActivity();
     benchmarks::addReplay();
+    benchmarks::addBoards();
+    benchmarks::addSmallThings();
     RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmarks::printContactMemory();

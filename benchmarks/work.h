@@ -7,6 +7,8 @@ namespace benchmarks {
 void addCoding();
 void addActivity();
 void addReplay();
+void addBoards();
+void addSmallThings();
 /// What a contact takes in memory, on average over the samples.
 void printContactMemory();
 

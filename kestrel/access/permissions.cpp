@@ -2,33 +2,84 @@
 #include <kestrel/coding/wire_form.h>
 
 #include <charconv>
+#include <cstddef>
+#include <span>
+#include <utility>
 
 namespace kestrel {
 
 KESTREL_FIELDS(PermissionSet, teamIDs);
 KESTREL_FIELDS(Permissions, readPermissions, writePermissions, visibilityPreset);
 
-std::optional<ObjectID<Team>> firstSharedTeam(const TeamIDs& a, const TeamIDs& b) noexcept {
-    if (a.empty() || b.empty()) return std::nullopt;
-    const ObjectID<Team>* left = &*a.begin();
-    const ObjectID<Team>* const leftEnd = left + a.size();
-    const ObjectID<Team>* right = &*b.begin();
-    const ObjectID<Team>* const rightEnd = right + b.size();
-    if (leftEnd[-1] < *right || rightEnd[-1] < *left) return std::nullopt;
-    while (left != leftEnd && right != rightEnd) {
-        const auto order = *left <=> *right;
-        if (order == 0) return *left;
+namespace {
+
+using Teams = std::span<const ObjectID<Team>>;
+
+Teams teamsOf(const TeamIDs& set) noexcept {
+    return set.empty() ? Teams() : Teams(&*set.begin(), set.size());
+}
+
+std::uint64_t bitOf(const ObjectID<Team>& saved) noexcept {
+    return std::uint64_t{1} << (static_cast<std::uint64_t>(*saved.value()) & 63U);
+}
+
+/// A bit for the last six bits of each key. Sets whose bits differ share nothing; a company's teams have keys so close
+/// to each other that the reverse is mostly true, too.
+std::uint64_t bitsOf(Teams saved) noexcept {
+    std::uint64_t bits = 0;
+    for (const ObjectID<Team>& team : saved)
+        bits |= bitOf(team);
+    return bits;
+}
+
+/// The first of a few saved teams that is among many. Those that the bits leave are looked for by halving, without
+/// jumps that depend on keys, so that the searches, which need nothing of each other, overlap.
+const ObjectID<Team>* firstSharedOfSaved(Teams few, Teams many) noexcept {
+    const std::uint64_t bits = bitsOf(many);
+    if ((bitsOf(few) & bits) == 0) return nullptr;
+    for (const ObjectID<Team>& team : few) {
+        if ((bitOf(team) & bits) == 0) continue;
+        const std::int64_t key = *team.value();
+        std::size_t at = 0;
+        for (std::size_t left = many.size(); left > 1;) {
+            const std::size_t half = left / 2;
+            at += half & (std::size_t{0} - static_cast<std::size_t>(*many[at + half].value() <= key));
+            left -= half;
+        }
+        if (*many[at].value() == key) return &team;
+    }
+    return nullptr;
+}
+
+const ObjectID<Team>* firstShared(Teams few, Teams many) noexcept {
+    if (few.size() > many.size()) std::swap(few, many);
+    if (few.empty()) return nullptr;
+    // Saved teams stand in front of others: when the last one is saved, all are.
+    constexpr std::size_t usual = 32;
+    if (many.size() <= usual && few.back().isPersistent() && many.back().isPersistent())
+        return firstSharedOfSaved(few, many);
+    if (few.back() < many.front() || many.back() < few.front()) return nullptr;
+    for (std::size_t i = 0, k = 0; i < few.size() && k < many.size();) {
+        const auto order = few[i] <=> many[k];
+        if (order == 0) return &few[i];
         if (order < 0) {
-            ++left;
+            ++i;
         } else {
-            ++right;
+            ++k;
         }
     }
-    return std::nullopt;
+    return nullptr;
+}
+
+}  // namespace
+
+std::optional<ObjectID<Team>> firstSharedTeam(const TeamIDs& a, const TeamIDs& b) noexcept {
+    const ObjectID<Team>* const shared = firstShared(teamsOf(a), teamsOf(b));
+    return shared != nullptr ? std::optional(*shared) : std::nullopt;
 }
 
 bool PermissionSet::isAuthorized(const TeamIDs& anyOf) const noexcept {
-    return isEmpty() || firstSharedTeam(teamIDs, anyOf).has_value();
+    return isEmpty() || firstShared(teamsOf(teamIDs), teamsOf(anyOf)) != nullptr;
 }
 
 std::expected<PermissionSet, PermissionSetError> PermissionSet::parsePipeSet(std::string_view text) {
