@@ -156,5 +156,14 @@ void mirrorCase(DebugMirror& mirror, const C& value) {
     std::visit(show, CodingAccess::variant(value));
 }
 
+template <HasCaseTable C>
+std::vector<std::string_view> differentCases(const C& a, const C& b) {
+    if (a == b) return {};
+    const std::string_view name = CaseTable<C>::rows[a.caseIndex()].name;
+    const std::string_view otherName = CaseTable<C>::rows[b.caseIndex()].name;
+    if (name == otherName) return {name};
+    return {name, otherName};
+}
+
 }  // namespace coding_detail
 }  // namespace kestrel

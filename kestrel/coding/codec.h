@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <vector>
 
@@ -32,6 +33,9 @@ struct Codec {
     static T blank();
     static void hash(Hasher& hasher, const T& value);
     static void mirror(DebugMirror& mirror, const T& value);
+    /// The keys under which the keyed forms of two values differ; see `differences`.
+    static std::vector<std::string_view> differences(const T& a, const T& b)
+        requires std::equality_comparable<T>;
 };
 
 extern template struct Codec<RGBAColor>;
@@ -397,6 +401,14 @@ void mirrorValue(DebugMirror& mirror, const std::vector<T>& values) {
 template <CodedSet C>
 void mirrorValue(DebugMirror& mirror, const C& values) {
     coding_detail::mirrorElements(mirror, values);
+}
+
+/// The keys of the fields in which two values differ, in the order of the keyed form; none when the values are equal.
+/// Of a choice, whose keyed form has the case as its key, the cases. The texts last as long as the program.
+template <Coded T>
+    requires requires(const T& value) { Codec<T>::differences(value, value); }
+[[nodiscard]] std::vector<std::string_view> differences(const T& a, const T& b) {
+    return Codec<T>::differences(a, b);
 }
 
 /// The debug mirror of any coded value, over several lines without a final newline.

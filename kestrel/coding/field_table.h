@@ -37,6 +37,10 @@
                 default: return false;                                                                        \
             }                                                                                                 \
         }                                                                                                     \
+        template <class Visitor>                                                                              \
+        static void visitBoth(const Type& a, const Type& b, Visitor&& visit) {                                \
+            KESTREL_FOR_EACH(KESTREL_FIELD_VISIT_BOTH, Type, __VA_ARGS__)                                     \
+        }                                                                                                     \
         template <class Value, class FirstMember>                                                          \
         static constexpr bool listsEveryMember = !std::is_aggregate_v<Value> || (requires(FirstMember first) { \
             Value{std::move(first) KESTREL_FOR_REST(KESTREL_FIELD_BRACES, Type, __VA_ARGS__)};             \
@@ -61,6 +65,11 @@
                 ",\"" KESTREL_FIELD_TEXT(entry) "\":"))                                           \
             return true;                                                                          \
         [[fallthrough]];
+
+#define KESTREL_FIELD_VISIT_BOTH(Type, entry)                             \
+    visit(::kestrel::CodingAccess::member(a.KESTREL_FIELD_MEMBER(entry)), \
+          ::kestrel::CodingAccess::member(b.KESTREL_FIELD_MEMBER(entry)), \
+          std::string_view(KESTREL_FIELD_TEXT(entry)));
 
 // An entry is `member` or `(key, member)`.
 #define KESTREL_FIELD_MEMBER(entry) KESTREL_JOIN(KESTREL_MEMBER_, KESTREL_IS_PAIR(entry))(entry)
@@ -347,6 +356,15 @@ void mirrorFields(DebugMirror& mirror, const T& value) {
     };
     (void)Table::visitFrom(0, value, step);
     mirror.close();
+}
+
+template <class T>
+std::vector<std::string_view> differentFields(const T& a, const T& b) {
+    std::vector<std::string_view> keys;
+    FieldTable<T>::visitBoth(a, b, [&](const auto& one, const auto& other, std::string_view key) {
+        if (!(one == other)) keys.push_back(key);
+    });
+    return keys;
 }
 
 }  // namespace coding_detail

@@ -54,4 +54,15 @@ void Codec<T>::mirror(DebugMirror& mirror, const T& value) {
     }
 }
 
+template <class T>
+std::vector<std::string_view> Codec<T>::differences(const T& a, const T& b)
+    requires std::equality_comparable<T>
+{
+    if constexpr (HasCaseTable<T>) {
+        return coding_detail::differentCases(a, b);
+    } else {
+        return coding_detail::differentFields(a, b);
+    }
+}
+
 }  // namespace kestrel

@@ -28,3 +28,10 @@ struct Data {
 };
 
 }  // namespace kestrel
+
+template <>
+struct std::hash<kestrel::Data> {
+    [[nodiscard]] std::size_t operator()(const kestrel::Data& value) const noexcept {
+        return std::hash<std::string_view>{}(value.text());
+    }
+};

@@ -85,3 +85,10 @@ struct DateRange {
 };
 
 }  // namespace kestrel
+
+template <>
+struct std::hash<kestrel::Date> {
+    [[nodiscard]] std::size_t operator()(const kestrel::Date& value) const noexcept {
+        return std::hash<double>{}(value.sinceReferenceDate());
+    }
+};

@@ -31,3 +31,10 @@ class URL {
 [[nodiscard]] std::string percentEncoded(std::string_view text);
 
 }  // namespace kestrel
+
+template <>
+struct std::hash<kestrel::URL> {
+    [[nodiscard]] std::size_t operator()(const kestrel::URL& value) const noexcept {
+        return std::hash<std::string_view>{}(value.text());
+    }
+};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <kestrel/foundation/hashing.h>
 #include <array>
 #include <compare>
 #include <cstdint>
@@ -40,3 +41,10 @@ class UUID {
 };
 
 }  // namespace kestrel
+
+template <>
+struct std::hash<kestrel::UUID> {
+    [[nodiscard]] std::size_t operator()(const kestrel::UUID& value) const noexcept {
+        return static_cast<std::size_t>(kestrel::mixWords(value.high(), value.low()));
+    }
+};

@@ -272,6 +272,9 @@ void expectCodedAs(std::string_view fieldList) {
         EXPECT_NE(*changed, *value) << "equality overlooks the field";
         EXPECT_NE(hash(*changed), hash(*value)) << "the hash overlooks the field";
         EXPECT_NE(kestrel::debugMirror(*changed), kestrel::debugMirror(*value)) << "the mirror overlooks the field";
+        if constexpr (requires { differences(*value, *changed); }) {
+            EXPECT_EQ(differences(*value, *changed), std::vector<std::string_view>{field.name});
+        }
 
         expectFailure<T>(document(fields, {{field.name, field.kind.wrong}}), typeMismatch, {field.name});
         const std::string missing = document(fields, {{field.name, ""}});
