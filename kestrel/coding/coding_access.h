@@ -15,9 +15,8 @@ class CodingAccess {
         return member.value_;
     }
     template <class T>
-    // NOLINTNEXTLINE(bugprone-return-const-ref-from-parameter): members outlive the call.
     [[nodiscard]] static constexpr T& member(T& member) noexcept {
-        return member;
+        return member;  // NOLINT(bugprone-return-const-ref-from-parameter): members outlive the call.
     }
     template <class T, class Owner>
     [[nodiscard]] static constexpr const T& member(const ReadOnly<T, Owner>& member) noexcept {
