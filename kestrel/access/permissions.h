@@ -23,11 +23,16 @@ enum class PermissionSetError : std::uint8_t {
 struct PermissionSet {
     using Coded = void;
 
+    /// Who may. Empty: everybody.
     TeamIDs teamIDs{};
 
+    /// No teams: no restriction.
     PermissionSet() = default;
+    /// Of these teams, in any order; of equal ones one.
     PermissionSet(std::initializer_list<ObjectID<Team>> teams) : teamIDs(teams) {}
+    /// Of these teams.
     explicit PermissionSet(TeamIDs teams) : teamIDs(std::move(teams)) {}
+    /// Of these teams, in any order; of equal ones one.
     explicit PermissionSet(std::span<const ObjectID<Team>> teams) : teamIDs(teams.begin(), teams.end()) {}
 
     /// No teams: no restriction.
@@ -37,9 +42,13 @@ struct PermissionSet {
     /// The text form, with the keys ascending. Absent when a team is not saved, since it has no key.
     [[nodiscard]] std::optional<std::string> pipeSet() const;
 
+    /// How many teams are named; 0 for no restriction.
     [[nodiscard]] std::size_t count() const noexcept { return teamIDs.size(); }
+    /// Whether no team is named, and so nothing restricted.
     [[nodiscard]] bool isEmpty() const noexcept { return teamIDs.empty(); }
+    /// Names one more team; nothing when it is there. The first one makes the restriction.
     void add(const ObjectID<Team>& teamID) { teamIDs.insert(teamID); }
+    /// Takes a team out; nothing when it is not there. The last one lifts the restriction.
     void remove(const ObjectID<Team>& teamID) { teamIDs.erase(teamID); }
 
     /// Whether the set is empty or has this team.
@@ -61,7 +70,9 @@ extern template struct Codec<PermissionSet>;
 struct Permissions {
     using Coded = void;
 
+    /// Who may read.
     PermissionSet readPermissions{};
+    /// Who may change. Reading is not part of it.
     PermissionSet writePermissions{};
     /// The named visibility that the record was given, if any.
     std::optional<VisibilityPreset> visibilityPreset{};
@@ -69,19 +80,27 @@ struct Permissions {
     /// Unrestricted, without a preset.
     [[nodiscard]] static Permissions empty() { return {}; }
 
+    /// Whether members of the team may read.
     [[nodiscard]] bool isReadableByTeam(const ObjectID<Team>& team) const { return readPermissions.isAuthorized(team); }
+    /// Whether members of the team may change.
     [[nodiscard]] bool isWritableByTeam(const ObjectID<Team>& team) const {
         return writePermissions.isAuthorized(team);
     }
+    /// Whether members of one of the teams may read; with no team only what is not restricted.
     [[nodiscard]] bool isReadableByAnyTeamIn(const TeamIDs& teams) const noexcept {
         return readPermissions.isAuthorized(teams);
     }
+    /// Whether members of one of the teams may change; with no team only what is not restricted.
     [[nodiscard]] bool isWritableByAnyTeamIn(const TeamIDs& teams) const noexcept {
         return writePermissions.isAuthorized(teams);
     }
+    /// Lets the team read; where nobody was named before, nobody else may from then on.
     void giveReadAccess(const ObjectID<Team>& team) { readPermissions.add(team); }
+    /// Takes the team out of those who may read; without the last one everybody may.
     void removeReadAccess(const ObjectID<Team>& team) { readPermissions.remove(team); }
+    /// Lets the team change; where nobody was named before, nobody else may from then on.
     void giveWriteAccess(const ObjectID<Team>& team) { writePermissions.add(team); }
+    /// Takes the team out of those who may change; without the last one everybody may.
     void removeWriteAccess(const ObjectID<Team>& team) { writePermissions.remove(team); }
 
     friend bool operator==(const Permissions&, const Permissions&) = default;

@@ -23,6 +23,7 @@ struct VisibilityPreset {
     std::optional<std::string> deletionIdentifier{};
     /// Key of the user who deleted it.
     std::optional<std::int64_t> deletionUserID{};
+    /// What users call the visibility.
     std::optional<std::string> name{};
     /// Stored only.
     std::int64_t noReadAccess{};

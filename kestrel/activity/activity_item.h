@@ -23,23 +23,29 @@
 
 namespace kestrel {
 
-// What lists of a record's activity show: each item wraps a whole record and offers the handful of its fields that such a
-// list needs under stable names. The record can be read, and does not change any more.
+// What lists of a record's activity show: each item wraps a whole record and offers the handful of its fields that such
+// a list needs under stable names. The record can be read, and does not change any more.
 
 /// An email in a list of activity.
 struct EmailItem {
     using Coded = void;
 
+    /// All of it.
     ReadOnly<Email, EmailItem> email;
 
     [[nodiscard]] const ObjectID<Email>& id() const noexcept { return email->id(); }
     [[nodiscard]] const ObjectID<Email>& objectID() const noexcept { return email->id(); }
+    ///@{
+    /// The email's own.
     [[nodiscard]] const ObjectID<Email>& emailID() const noexcept { return email->id(); }
     [[nodiscard]] const std::optional<std::string>& subject() const noexcept { return email->subject; }
     [[nodiscard]] const std::optional<Date>& messageDate() const noexcept { return email->messageDate; }
     [[nodiscard]] const std::optional<Date>& createDate() const noexcept { return email->createDate; }
     [[nodiscard]] const std::optional<Category>& category() const noexcept { return email->category; }
+    ///@}
+    /// The sender's name, as Email::fromDisplayName.
     [[nodiscard]] std::optional<std::string> fromDisplayName() const { return email->fromDisplayName(); }
+    /// Whether it was not sent yet, as Email::isDraft.
     [[nodiscard]] bool isDraft() const { return email->isDraft(); }
 
     friend bool operator==(const EmailItem&, const EmailItem&) = default;
@@ -50,10 +56,13 @@ extern template struct Codec<EmailItem>;
 struct FileItem {
     using Coded = void;
 
+    /// All of it.
     ReadOnly<FileAttachment, FileItem> fileAttachment;
 
     [[nodiscard]] const ObjectID<FileAttachment>& id() const noexcept { return fileAttachment->id(); }
     [[nodiscard]] const ObjectID<FileAttachment>& objectID() const noexcept { return fileAttachment->id(); }
+    ///@{
+    /// The attachment's own.
     [[nodiscard]] const ObjectID<FileAttachment>& fileID() const noexcept { return fileAttachment->id(); }
     [[nodiscard]] const std::optional<std::string>& name() const noexcept { return fileAttachment->name; }
     [[nodiscard]] const std::optional<std::string>& title() const noexcept { return fileAttachment->title; }
@@ -61,6 +70,7 @@ struct FileItem {
         return fileAttachment->attachmentNote;
     }
     [[nodiscard]] const std::optional<Date>& createDate() const noexcept { return fileAttachment->createDate; }
+    ///@}
 
     friend bool operator==(const FileItem&, const FileItem&) = default;
 };
@@ -70,15 +80,19 @@ extern template struct Codec<FileItem>;
 struct URLReferenceItem {
     using Coded = void;
 
+    /// All of it.
     ReadOnly<URLReference, URLReferenceItem> urlReference;
 
     [[nodiscard]] const ObjectID<URLReference>& id() const noexcept { return urlReference->id(); }
     [[nodiscard]] const ObjectID<URLReference>& objectID() const noexcept { return urlReference->id(); }
+    ///@{
+    /// The link's own.
     [[nodiscard]] const ObjectID<URLReference>& urlReferenceID() const noexcept { return urlReference->id(); }
     [[nodiscard]] const std::optional<std::string>& name() const noexcept { return urlReference->name; }
     [[nodiscard]] const std::optional<std::string>& note() const noexcept { return urlReference->note; }
     [[nodiscard]] const std::optional<std::string>& urlString() const noexcept { return urlReference->urlString; }
     [[nodiscard]] const std::optional<Date>& createDate() const noexcept { return urlReference->createDate; }
+    ///@}
 
     friend bool operator==(const URLReferenceItem&, const URLReferenceItem&) = default;
 };
@@ -88,12 +102,14 @@ extern template struct Codec<URLReferenceItem>;
 struct FormFieldItem {
     using Coded = void;
 
+    /// The field as it was filled in.
     ReadOnly<CustomRecord, FormFieldItem> record;
     /// Absent when the field's definition is not known.
     ReadOnly<std::optional<CustomRecordDefinition>, FormFieldItem> definition{};
 
     [[nodiscard]] const ObjectID<CustomRecord>& id() const noexcept { return record->id(); }
     [[nodiscard]] const ObjectID<CustomRecord>& objectID() const noexcept { return record->id(); }
+    /// The identifier of the field.
     [[nodiscard]] const ObjectID<CustomRecord>& fieldID() const noexcept { return record->id(); }
     /// The definition's name, else the record's own.
     [[nodiscard]] const std::optional<std::string>& name() const noexcept {
@@ -114,6 +130,7 @@ extern template struct Codec<FormFieldItem>;
 struct FormItem {
     using Coded = void;
 
+    /// All of it but its fields.
     ReadOnly<Form, FormItem> form;
     /// Absent when the form's template is not known.
     ReadOnly<std::optional<CustomRecordSetDefinition>, FormItem> definition{};
@@ -122,9 +139,12 @@ struct FormItem {
 
     [[nodiscard]] const ObjectID<Form>& id() const noexcept { return form->id(); }
     [[nodiscard]] const ObjectID<Form>& objectID() const noexcept { return form->id(); }
+    ///@{
+    /// The form's own.
     [[nodiscard]] const ObjectID<Form>& formID() const noexcept { return form->id(); }
     [[nodiscard]] const std::optional<std::string>& name() const noexcept { return form->name; }
     [[nodiscard]] const std::optional<Date>& createDate() const noexcept { return form->createDate; }
+    ///@}
 
     friend bool operator==(const FormItem&, const FormItem&) = default;
 };
@@ -134,6 +154,7 @@ extern template struct Codec<FormItem>;
 struct NoteItem {
     using Coded = void;
 
+    /// All of it.
     ReadOnly<Note, NoteItem> note;
     /// Absent when the record has no owner.
     ReadOnly<std::optional<ObjectID<User>>, NoteItem> ownerID{};
@@ -142,11 +163,14 @@ struct NoteItem {
 
     [[nodiscard]] const ObjectID<Note>& id() const noexcept { return note->id(); }
     [[nodiscard]] const ObjectID<Note>& objectID() const noexcept { return note->id(); }
+    ///@{
+    /// The note's own.
     [[nodiscard]] const ObjectID<Note>& noteID() const noexcept { return note->id(); }
     [[nodiscard]] const std::optional<std::string>& title() const noexcept { return note->title; }
     [[nodiscard]] const std::optional<TextBody>& body() const noexcept { return note->body; }
     [[nodiscard]] const std::optional<Date>& createDate() const noexcept { return note->createDate; }
     [[nodiscard]] const std::optional<Category>& category() const noexcept { return note->category; }
+    ///@}
 
     friend bool operator==(const NoteItem&, const NoteItem&) = default;
 };
@@ -156,6 +180,7 @@ extern template struct Codec<NoteItem>;
 struct TaskItem {
     using Coded = void;
 
+    /// All of it.
     ReadOnly<Task, TaskItem> task;
     /// Absent when the record has no owner.
     ReadOnly<std::optional<ObjectID<User>>, TaskItem> ownerID{};
@@ -164,6 +189,8 @@ struct TaskItem {
 
     [[nodiscard]] const ObjectID<Task>& id() const noexcept { return task->id(); }
     [[nodiscard]] const ObjectID<Task>& objectID() const noexcept { return task->id(); }
+    ///@{
+    /// The task's own.
     [[nodiscard]] const ObjectID<Task>& taskID() const noexcept { return task->id(); }
     [[nodiscard]] const std::optional<std::string>& title() const noexcept { return task->title; }
     [[nodiscard]] const std::optional<std::string>& details() const noexcept { return task->details; }
@@ -173,6 +200,7 @@ struct TaskItem {
     [[nodiscard]] const std::optional<Date>& createDate() const noexcept { return task->createDate; }
     [[nodiscard]] const std::optional<Category>& category() const noexcept { return task->category; }
     [[nodiscard]] const Permissions& permissions() const noexcept { return task->permissions; }
+    ///@}
     /// Done or cancelled.
     [[nodiscard]] bool isClosed() const noexcept { return task->isClosed(); }
     /// The date that places it among other activity: when it was done; when it was created, for one that was cancelled;
@@ -187,16 +215,20 @@ extern template struct Codec<TaskItem>;
 struct TimeblockItem {
     using Coded = void;
 
+    /// All of it.
     ReadOnly<Timeblock, TimeblockItem> timeblock;
 
     [[nodiscard]] const ObjectID<Timeblock>& id() const noexcept { return timeblock->id(); }
     [[nodiscard]] const ObjectID<Timeblock>& objectID() const noexcept { return timeblock->id(); }
+    ///@{
+    /// The appointment's own.
     [[nodiscard]] const ObjectID<Timeblock>& timeblockID() const noexcept { return timeblock->id(); }
     [[nodiscard]] const std::optional<std::string>& subject() const noexcept { return timeblock->subject; }
     [[nodiscard]] const std::optional<std::string>& details() const noexcept { return timeblock->details; }
     [[nodiscard]] const std::optional<std::string>& location() const noexcept { return timeblock->location; }
     [[nodiscard]] const std::optional<Date>& startDate() const noexcept { return timeblock->startDate; }
     [[nodiscard]] const std::optional<Category>& category() const noexcept { return timeblock->category; }
+    ///@}
 
     friend bool operator==(const TimeblockItem&, const TimeblockItem&) = default;
 };
@@ -208,6 +240,8 @@ class ActivityItemID : public Choice<ActivityItemID, ObjectID<Email>, ObjectID<F
   public:
     using Coded = void;
 
+    ///@{
+    /// The item of that record.
     [[nodiscard]] static ActivityItemID email(ObjectID<Email> id) { return ActivityItemID(id); }
     [[nodiscard]] static ActivityItemID fileAttachment(ObjectID<FileAttachment> id) { return ActivityItemID(id); }
     [[nodiscard]] static ActivityItemID form(ObjectID<Form> id) { return ActivityItemID(id); }
@@ -215,6 +249,7 @@ class ActivityItemID : public Choice<ActivityItemID, ObjectID<Email>, ObjectID<F
     [[nodiscard]] static ActivityItemID task(ObjectID<Task> id) { return ActivityItemID(id); }
     [[nodiscard]] static ActivityItemID timeblock(ObjectID<Timeblock> id) { return ActivityItemID(id); }
     [[nodiscard]] static ActivityItemID urlReference(ObjectID<URLReference> id) { return ActivityItemID(id); }
+    ///@}
 
     [[nodiscard]] std::optional<ObjectID<Email>> email() const { return payload<ObjectID<Email>>(); }
     [[nodiscard]] std::optional<ObjectID<FileAttachment>> fileAttachment() const {
@@ -229,6 +264,7 @@ class ActivityItemID : public Choice<ActivityItemID, ObjectID<Email>, ObjectID<F
     }
 
     friend bool operator==(const ActivityItemID&, const ActivityItemID&) = default;
+    /// By the kind, as declared here, and then by the identifier.
     friend std::strong_ordering operator<=>(const ActivityItemID& a, const ActivityItemID& b) noexcept;
 
   private:
@@ -242,8 +278,11 @@ class ActivityItem
     : public Choice<ActivityItem, EmailItem, FileItem, FormItem, NoteItem, TaskItem, TimeblockItem, URLReferenceItem> {
   public:
     using Coded = void;
+    /// What `id` gives.
     using ID = ActivityItemID;
 
+    ///@{
+    /// That item.
     [[nodiscard]] static ActivityItem email(EmailItem item) { return ActivityItem(std::move(item)); }
     [[nodiscard]] static ActivityItem fileAttachment(FileItem item) { return ActivityItem(std::move(item)); }
     [[nodiscard]] static ActivityItem form(FormItem item) { return ActivityItem(std::move(item)); }
@@ -251,6 +290,7 @@ class ActivityItem
     [[nodiscard]] static ActivityItem task(TaskItem item) { return ActivityItem(std::move(item)); }
     [[nodiscard]] static ActivityItem timeblock(TimeblockItem item) { return ActivityItem(std::move(item)); }
     [[nodiscard]] static ActivityItem urlReference(URLReferenceItem item) { return ActivityItem(std::move(item)); }
+    ///@}
 
     [[nodiscard]] const EmailItem* email() const noexcept { return payloadIf<EmailItem>(); }
     [[nodiscard]] const FileItem* fileAttachment() const noexcept { return payloadIf<FileItem>(); }
@@ -260,6 +300,7 @@ class ActivityItem
     [[nodiscard]] const TimeblockItem* timeblock() const noexcept { return payloadIf<TimeblockItem>(); }
     [[nodiscard]] const URLReferenceItem* urlReference() const noexcept { return payloadIf<URLReferenceItem>(); }
 
+    /// That of the record of the item.
     [[nodiscard]] ID id() const;
     /// The date that places it among other activity: an email's message date, the start of an appointment, the
     /// reference date of a task, and when the others were created. Any of them may be absent.
@@ -273,25 +314,31 @@ class ActivityItem
 };
 extern template struct Codec<ActivityItem>;
 
-// The date that places an item among other activity, as `ActivityItem::date` tells.
+/// The date that places the item among other activity, as ActivityItem::date. Valid as long as the item.
 [[nodiscard]] inline const std::optional<Date>& activityDate(const EmailItem& item) noexcept {
     return item.messageDate();
 }
+/// The date that places the item among other activity, as ActivityItem::date. Valid as long as the item.
 [[nodiscard]] inline const std::optional<Date>& activityDate(const FileItem& item) noexcept {
     return item.createDate();
 }
+/// The date that places the item among other activity, as ActivityItem::date. Valid as long as the item.
 [[nodiscard]] inline const std::optional<Date>& activityDate(const FormItem& item) noexcept {
     return item.createDate();
 }
+/// The date that places the item among other activity, as ActivityItem::date. Valid as long as the item.
 [[nodiscard]] inline const std::optional<Date>& activityDate(const NoteItem& item) noexcept {
     return item.createDate();
 }
+/// The date that places the item among other activity, as ActivityItem::date. Valid as long as the item.
 [[nodiscard]] inline const std::optional<Date>& activityDate(const TaskItem& item) noexcept {
     return item.activityFeedReferenceDate();
 }
+/// The date that places the item among other activity, as ActivityItem::date. Valid as long as the item.
 [[nodiscard]] inline const std::optional<Date>& activityDate(const TimeblockItem& item) noexcept {
     return item.startDate();
 }
+/// The date that places the item among other activity, as ActivityItem::date. Valid as long as the item.
 [[nodiscard]] inline const std::optional<Date>& activityDate(const URLReferenceItem& item) noexcept {
     return item.createDate();
 }

@@ -17,7 +17,11 @@
 namespace kestrel {
 
 /// How a message came to be filed.
-enum class EmailDMIStatus : std::uint8_t { none = 0, legacy = 10, draft = 20 };
+enum class EmailDMIStatus : std::uint8_t {
+    none = 0,     ///< not said
+    legacy = 10,  ///< in the way of earlier releases
+    draft = 20    ///< as a draft, which was not sent
+};
 
 /// A filed e-mail message.
 struct Email {
@@ -25,8 +29,9 @@ struct Email {
     static constexpr auto entityName = entityNameOf<Email>;
 
     ReadOnly<ObjectID<Email>, Email> emailID;
-    /// The addressing, here and below, stands as the message carried it.
+    /// Who got a copy unseen by the others. The addressing, here and below, stands as the message carried it.
     std::optional<std::string> bccString{};
+    /// Who got a copy.
     std::optional<std::string> ccString{};
     /// When the record was created.
     ReadOnly<std::optional<Date>, Email> createDate{};
@@ -40,20 +45,27 @@ struct Email {
     std::optional<Date> dmiRecordDate{};
     /// The raw value of its EmailDMIStatus; other codes are kept.
     std::int64_t dmiStatusCode{};
+    /// The sender: "Ada Lovelace <ada@example.org>".
     std::optional<std::string> fromString{};
+    /// The identifier of the message that this one answers.
     std::optional<std::string> inReplyToMessageID{};
     /// When the message says that it was written.
     std::optional<Date> messageDate{};
+    /// The message's own identifier.
     std::optional<std::string> messageID{};
     /// When the record was last changed.
     ReadOnly<std::optional<Date>, Email> modifyDate{};
+    /// All header lines, as the message carried them.
     std::optional<std::string> rawHeader{};
+    /// The title.
     std::optional<std::string> subject{};
+    /// Who it was written to.
     std::optional<std::string> toString{};
     /// Who may read and change it.
     Permissions permissions{};
     /// Its category, with the name and colour to show.
     std::optional<Category> category{};
+    /// Under which it can be found, each once.
     std::vector<Keyword> keywords{};
 
     [[nodiscard]] const ObjectID<Email>& objectID() const noexcept { return emailID.get(); }
@@ -63,6 +75,7 @@ struct Email {
     [[nodiscard]] std::optional<EmailDMIStatus> dmiStatus() const {
         return fromRawValue<EmailDMIStatus>(dmiStatusCode);
     }
+    /// Whether it was filed as a draft.
     [[nodiscard]] bool isDraft() const { return dmiStatus() == EmailDMIStatus::draft; }
 
     /// The sender's address: what stands between the first "<" and the next ">" or the end, or the whole text where

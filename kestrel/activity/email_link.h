@@ -15,8 +15,10 @@ class EmailLinkRecord;
 class EmailLink : public Choice<EmailLink, ObjectID<Contact>> {
   public:
     using Coded = void;
+    /// The same with the whole record.
     using Record = EmailLinkRecord;
 
+    /// To that contact.
     [[nodiscard]] static EmailLink contact(ObjectID<Contact> id) { return EmailLink(id); }
 
     [[nodiscard]] std::optional<ObjectID<Contact>> contact() const { return payload<ObjectID<Contact>>(); }
@@ -32,6 +34,7 @@ extern template struct Codec<EmailLink>;
 /// The same with the whole record.
 class EmailLinkRecord : public Choice<EmailLinkRecord, Contact> {
   public:
+    /// To that contact.
     [[nodiscard]] static EmailLinkRecord contact(Contact contact) { return EmailLinkRecord(std::move(contact)); }
 
     /// Never null: there is no other case.

@@ -25,7 +25,9 @@ struct EmailMessageStatus {
     std::optional<std::string> deletionIdentifier{};
     /// Key of the user who deleted it.
     std::optional<std::int64_t> deletionUserID{};
+    /// The identifier of the message that this one answers.
     std::optional<std::string> inReplyToMessageID{};
+    /// The message's own identifier.
     std::optional<std::string> messageID{};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};

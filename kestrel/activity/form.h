@@ -30,9 +30,11 @@ struct Form {
     std::optional<std::int64_t> deletionUserID{};
     /// When the record was last changed.
     ReadOnly<std::optional<Date>, Form> modifyDate{};
+    /// What the form is called.
     std::optional<std::string> name{};
     /// Who may read and change it.
     Permissions permissions{};
+    /// Under which it can be found, each once.
     std::vector<Keyword> keywords{};
 
     [[nodiscard]] const ObjectID<Form>& objectID() const noexcept { return customRecordSetID.get(); }

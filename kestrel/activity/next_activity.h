@@ -15,7 +15,9 @@ class NextActivityType : public Choice<NextActivityType, ObjectID<Task>, ObjectI
   public:
     using Coded = void;
 
+    /// That task.
     [[nodiscard]] static NextActivityType task(ObjectID<Task> id) { return NextActivityType(id); }
+    /// That appointment.
     [[nodiscard]] static NextActivityType appointment(ObjectID<Timeblock> id) { return NextActivityType(id); }
 
     [[nodiscard]] std::optional<ObjectID<Task>> task() const { return payload<ObjectID<Task>>(); }
@@ -32,8 +34,10 @@ extern template struct Codec<NextActivityType>;
 /// The next upcoming task or appointment of a record. In keyed form "type", "date" and "isAllDay".
 struct NextActivity {
     using Coded = void;
+    /// What `type` tells.
     using ActivityType = NextActivityType;
 
+    /// Which it is.
     ActivityType type;
     /// The task's due date or the appointment's start.
     Date date{};
@@ -42,6 +46,7 @@ struct NextActivity {
 
     /// The task or the appointment, type-erased.
     [[nodiscard]] AnyObjectID id() const;
+    /// Whether it is an appointment, and no task.
     [[nodiscard]] bool isAppointment() const noexcept { return type.caseIndex() == 1; }
 
     friend bool operator==(const NextActivity&, const NextActivity&) = default;

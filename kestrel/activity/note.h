@@ -22,6 +22,7 @@ struct Note {
     static constexpr auto entityName = entityNameOf<Note>;
 
     ReadOnly<ObjectID<Note>, Note> noteID;
+    /// The text; absent when there is a title alone.
     std::optional<TextBody> body{};
     /// When the record was created.
     ReadOnly<std::optional<Date>, Note> createDate{};
@@ -35,11 +36,13 @@ struct Note {
     ReadOnly<std::optional<Date>, Note> modifyDate{};
     /// Key of the company that it belongs to.
     std::optional<std::int64_t> organizationID{};
+    /// What the note is about.
     std::optional<std::string> title{};
     /// Who may read and change it.
     Permissions permissions{};
     /// Its category, with the name and colour to show.
     std::optional<Category> category{};
+    /// Under which it can be found, each once.
     std::vector<Keyword> keywords{};
 
     [[nodiscard]] const ObjectID<Note>& objectID() const noexcept { return noteID.get(); }

@@ -13,6 +13,7 @@ namespace kestrel {
 struct HTMLText {
     using Coded = void;
 
+    /// A whole document or a part of one; not checked.
     std::string text{};
 
     friend bool operator==(const HTMLText&, const HTMLText&) = default;
@@ -32,12 +33,16 @@ class TextBody : public Choice<TextBody, std::string, AttributedString, HTMLText
   public:
     using Coded = void;
 
+    /// Without attributes.
     [[nodiscard]] static TextBody plainText(std::string text) { return TextBody(std::move(text)); }
+    /// With attributes over parts of it.
     [[nodiscard]] static TextBody attributed(AttributedString text) { return TextBody(std::move(text)); }
+    /// In HTML.
     [[nodiscard]] static TextBody html(std::string text) { return TextBody(HTMLText{std::move(text)}); }
 
     [[nodiscard]] std::optional<std::string> plainText() const { return payload<std::string>(); }
     [[nodiscard]] std::optional<AttributedString> attributed() const { return payload<AttributedString>(); }
+    /// The text in HTML; absent for the other two.
     [[nodiscard]] std::optional<std::string> html() const {
         const auto* html = payloadIf<HTMLText>();
         return html != nullptr ? std::optional(html->text) : std::nullopt;

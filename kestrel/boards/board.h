@@ -13,11 +13,13 @@
 
 namespace kestrel {
 
+/// What stands above a column.
 struct BoardColumnHeaderData {
     using Coded = void;
 
     /// The primary key of the stage's definition.
     std::int64_t id{};
+    /// The name of the stage; empty when it has none.
     std::string title{};
     /// The number of cards.
     std::int64_t count{};
@@ -30,11 +32,15 @@ struct BoardColumnHeaderData {
 };
 extern template struct Codec<BoardColumnHeaderData>;
 
+/// A column: a stage and the cards in it.
 struct BoardColumnData {
     using Coded = void;
 
+    /// The primary key of the stage's definition.
     std::int64_t id{};
+    /// What stands above it.
     BoardColumnHeaderData header{};
+    /// Sorted, the first one on top.
     std::vector<BoardCardData> cards{};
 
     friend bool operator==(const BoardColumnData&, const BoardColumnData&) = default;
@@ -45,6 +51,7 @@ extern template struct Codec<BoardColumnData>;
 struct BoardData {
     using Coded = void;
 
+    /// From left to right.
     std::vector<BoardColumnData> columns{};
     /// The cards on the board.
     std::int64_t count{};
@@ -55,10 +62,15 @@ struct BoardData {
 };
 extern template struct Codec<BoardData>;
 
-enum class BoardKind : std::uint8_t { opportunities, projects };
+/// What a board shows.
+enum class BoardKind : std::uint8_t {
+    opportunities,  ///< sales deals
+    projects        ///< projects
+};
 
 /// A card that is to go on a board, with what ordering asks beyond what the card shows.
 struct BoardCandidate {
+    /// What is drawn.
     BoardCardData card;
     /// When the record was created.
     std::optional<Date> createDate{};
@@ -69,6 +81,7 @@ struct BoardCandidate {
 /// Names compare without regard to the case of ASCII letters. Comparing allocates nothing.
 class BoardCardOrder {
   public:
+    /// By that key, in that order.
     explicit BoardCardOrder(PipelineBoardSortDescriptor descriptor) noexcept : descriptor_(descriptor) {}
     /// Whether `a` stands before `b`.
     [[nodiscard]] bool operator()(const BoardCandidate& a, const BoardCandidate& b) const noexcept;

@@ -25,6 +25,7 @@ struct AvatarInfo {
 
     /// The name to draw initials from.
     std::string name{};
+    /// The encoded picture; absent when there is none, so that the initials are drawn.
     std::optional<Data> imageData{};
 
     friend bool operator==(const AvatarInfo&, const AvatarInfo&) = default;
@@ -35,10 +36,13 @@ extern template struct Codec<AvatarInfo>;
 struct OpportunityBoardCardData {
     using Coded = void;
 
+    /// The opportunity that it shows.
     ObjectID<Opportunity> id;
+    /// The name of the opportunity.
     std::string title{};
-    /// The names of linked contacts and companies, ready to show.
+    /// The names of linked contacts, ready to show.
     std::string linkedPeople{};
+    /// The names of linked companies, ready to show.
     std::string linkedCompanies{};
     /// The total value.
     double value{};
@@ -46,21 +50,28 @@ struct OpportunityBoardCardData {
     std::int64_t probability{};
     /// The opportunity type's name.
     std::optional<std::string> type{};
+    /// The template of the pipeline that it is in.
     std::optional<ObjectID<PipelineDefinition>> pipelineId{};
     /// The column that it is in.
     std::optional<ObjectID<PipelineStageDefinition>> stageId{};
     /// What the card lists as next.
     std::optional<std::vector<NextActivity>> nextActivities{};
+    /// That of its category; absent without one.
     std::optional<RGBAColor> categoryColor{};
     /// When it entered its stage.
     std::optional<Date> stageStartDate{};
     /// The forecast close.
     std::optional<Date> closeDate{};
+    /// A picture or initials; absent when nothing is to be drawn.
     std::optional<AvatarInfo> avatarInfo{};
+    /// The greater the more it matters; absent when it has none.
     std::optional<std::int64_t> priority{};
 
     /// What a card is made from: the record's raw facts.
     struct Facts {
+        ///@{
+        /// As the card's member of that name; of the next task and the next appointment what the card's next activities
+        /// are worked out from.
         ObjectID<Opportunity> id;
         std::string title{};
         std::string linkedPeople{};
@@ -80,6 +91,7 @@ struct OpportunityBoardCardData {
         std::optional<Date> closeDate{};
         std::optional<AvatarInfo> avatarInfo{};
         std::optional<std::int64_t> priority{};
+        ///@}
     };
     /// The card of those facts. Its next activities are worked out as `nextActivities` says.
     [[nodiscard]] static OpportunityBoardCardData from(Facts facts, const CalendarMoment& at = {});
@@ -92,20 +104,36 @@ extern template struct Codec<OpportunityBoardCardData>;
 struct ProjectBoardCardData {
     using Coded = void;
 
+    /// The project that it shows.
     ObjectID<Project> id;
+    /// The name of the project.
     std::string title{};
+    /// The names of linked contacts, ready to show.
     std::string linkedPeople{};
+    /// The names of linked companies, ready to show.
     std::string linkedCompanies{};
+    /// The template of the pipeline that it is in.
     std::optional<ObjectID<PipelineDefinition>> pipelineId{};
+    /// The column that it is in.
     std::optional<ObjectID<PipelineStageDefinition>> stageId{};
+    /// What the card lists as next.
     std::optional<std::vector<NextActivity>> nextActivities{};
+    /// That of its category; absent without one.
     std::optional<RGBAColor> categoryColor{};
+    /// When it entered its stage.
     std::optional<Date> stageStartDate{};
+    /// When the project is due.
     std::optional<Date> dueDate{};
+    /// A picture or initials; absent when nothing is to be drawn.
     std::optional<AvatarInfo> avatarInfo{};
+    /// The greater the more it matters; absent when it has none.
     std::optional<std::int64_t> priority{};
 
+    /// What a card is made from: the record's raw facts.
     struct Facts {
+        ///@{
+        /// As the card's member of that name; of the next task and the next appointment what the card's next activities
+        /// are worked out from.
         ObjectID<Project> id;
         std::string title{};
         std::string linkedPeople{};
@@ -122,7 +150,9 @@ struct ProjectBoardCardData {
         std::optional<Date> dueDate{};
         std::optional<AvatarInfo> avatarInfo{};
         std::optional<std::int64_t> priority{};
+        ///@}
     };
+    /// The card of those facts. Its next activities are worked out as `nextActivities` says.
     [[nodiscard]] static ProjectBoardCardData from(Facts facts, const CalendarMoment& at = {});
 
     friend bool operator==(const ProjectBoardCardData&, const ProjectBoardCardData&) = default;
@@ -142,9 +172,11 @@ class BoardCardData : public Choice<BoardCardData, OpportunityBoardCardData, Pro
   public:
     using Coded = void;
 
+    /// A card of a board of opportunities.
     [[nodiscard]] static BoardCardData opportunity(OpportunityBoardCardData card) {
         return BoardCardData(std::move(card));
     }
+    /// A card of a board of projects.
     [[nodiscard]] static BoardCardData project(ProjectBoardCardData card) { return BoardCardData(std::move(card)); }
 
     [[nodiscard]] std::optional<OpportunityBoardCardData> opportunity() const {
@@ -155,9 +187,13 @@ class BoardCardData : public Choice<BoardCardData, OpportunityBoardCardData, Pro
     [[nodiscard]] const OpportunityBoardCardData* opportunityCard() const noexcept {
         return payloadIf<OpportunityBoardCardData>();
     }
+    /// The payload without a copy; null for the other kind.
     [[nodiscard]] const ProjectBoardCardData* projectCard() const noexcept { return payloadIf<ProjectBoardCardData>(); }
 
+    /// The record that it shows.
     [[nodiscard]] PipelineBoardObjectID id() const;
+    ///@{
+    /// The payload's own.
     [[nodiscard]] const std::string& title() const;
     [[nodiscard]] const std::string& linkedPeople() const;
     [[nodiscard]] const std::string& linkedCompanies() const;
@@ -168,6 +204,7 @@ class BoardCardData : public Choice<BoardCardData, OpportunityBoardCardData, Pro
     [[nodiscard]] const std::optional<Date>& stageStartDate() const;
     [[nodiscard]] const std::optional<AvatarInfo>& avatarInfo() const;
     [[nodiscard]] const std::optional<std::int64_t>& priority() const;
+    ///@}
     /// The opportunity's forecast close or the project's due date.
     [[nodiscard]] const std::optional<Date>& dueDate() const;
     /// The date of the first next activity; the distant future when there is none, so that such cards come last.

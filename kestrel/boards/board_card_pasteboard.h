@@ -21,7 +21,9 @@ namespace kestrel {
 
 /// An error that is known by its domain and a code within it.
 struct DomainError {
+    /// Who counts the codes.
     std::string_view domain{};
+    /// What happened.
     std::int64_t code{};
 
     friend bool operator==(const DomainError&, const DomainError&) = default;
@@ -35,10 +37,12 @@ class PipelineBoardCardPasteboardData {
 
     /// The domain of this area's errors. Code 0: what was dropped is not of the class that was asked for.
     static constexpr std::string_view errorDomain = "com.fenwick.kestrel.boards";
+    /// Why an object was not made.
     using Error = std::variant<DomainError, DecodingError>;
 
     /// A new, unsaved opportunity in no column.
     PipelineBoardCardPasteboardData();
+    /// Of a card in that column.
     PipelineBoardCardPasteboardData(PipelineBoardObjectID id, std::optional<ObjectID<PipelineDefinition>> pipelineId,
                                     std::optional<ObjectID<PipelineStageDefinition>> stageId);
     PipelineBoardCardPasteboardData(const PipelineBoardCardPasteboardData&) = default;
@@ -47,12 +51,16 @@ class PipelineBoardCardPasteboardData {
     PipelineBoardCardPasteboardData& operator=(PipelineBoardCardPasteboardData&&) = default;
     virtual ~PipelineBoardCardPasteboardData() = default;
 
+    /// The record that the card shows.
     [[nodiscard]] const PipelineBoardObjectID& id() const noexcept { return id_; }
+    /// The template of the pipeline that it comes from; absent for none.
     [[nodiscard]] const std::optional<ObjectID<PipelineDefinition>>& pipelineId() const noexcept { return pipelineId_; }
+    /// The column that it comes from; absent for none.
     [[nodiscard]] const std::optional<ObjectID<PipelineStageDefinition>>& stageId() const noexcept { return stageId_; }
 
     /// The media types that drag and drop offers and accepts: one, that of data of any kind.
     [[nodiscard]] static std::vector<std::string> writableTypeIdentifiersForItemProvider();
+    /// The media types that dropping accepts: the same one.
     [[nodiscard]] static std::vector<std::string> readableTypeIdentifiersForItemProvider();
 
     /// Hands the bytes, or why there are none, to `completion` before it returns.

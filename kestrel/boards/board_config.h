@@ -12,7 +12,9 @@ namespace kestrel {
 struct OpportunityBoardConfig {
     using Coded = void;
 
+    /// Absent when the board was never narrowed.
     std::optional<OpportunityBoardFilter> filter{};
+    /// By default the earliest forecast close first.
     PipelineBoardSortDescriptor sortDescriptor = PipelineBoardSortDescriptor::opportunityDefault();
 
     friend bool operator==(const OpportunityBoardConfig&, const OpportunityBoardConfig&) = default;
@@ -23,7 +25,9 @@ extern template struct Codec<OpportunityBoardConfig>;
 struct ProjectBoardConfig {
     using Coded = void;
 
+    /// Absent when the board was never narrowed.
     std::optional<ProjectBoardFilter> filter{};
+    /// By default the earliest due date first.
     PipelineBoardSortDescriptor sortDescriptor = PipelineBoardSortDescriptor::projectDefault();
 
     friend bool operator==(const ProjectBoardConfig&, const ProjectBoardConfig&) = default;
@@ -36,10 +40,12 @@ class BoardConfig : public Choice<BoardConfig, OpportunityBoardConfig, ProjectBo
   public:
     using Coded = void;
 
+    /// Of a board of opportunities.
     [[nodiscard]] static BoardConfig opportunity(std::optional<OpportunityBoardFilter> filter,
                                                  PipelineBoardSortDescriptor sortDescriptor) {
         return BoardConfig(OpportunityBoardConfig{std::move(filter), sortDescriptor});
     }
+    /// Of a board of projects.
     [[nodiscard]] static BoardConfig project(std::optional<ProjectBoardFilter> filter,
                                              PipelineBoardSortDescriptor sortDescriptor) {
         return BoardConfig(ProjectBoardConfig{std::move(filter), sortDescriptor});

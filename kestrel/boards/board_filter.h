@@ -26,11 +26,15 @@ struct OpportunityBoardFilter {
     ObjectID<PipelineDefinition> pipelineDefinitionID;
     /// Only what is assigned to this user.
     std::optional<ObjectID<User>> userID{};
+    /// Only what is in this category.
     std::optional<ObjectID<Category>> categoryID{};
+    /// Only what is of this type.
     std::optional<ObjectID<OpportunityType>> opportunityTypeID{};
+    /// Only what was created on these days.
     std::optional<PipelineBoardDateRange> createDate{};
     /// The forecast close.
     std::optional<PipelineBoardDateRange> closeDate{};
+    /// Only what has this keyword.
     std::optional<ObjectID<Keyword>> keywordID{};
 
     /// The filter in one line, in the user's language: user, forecast close, creation, category and type, those that
@@ -48,16 +52,23 @@ extern template struct Codec<OpportunityBoardFilter>;
 struct ProjectBoardFilter {
     using Coded = void;
 
+    /// The board's pipeline template.
     ObjectID<PipelineDefinition> pipelineDefinitionID;
+    /// Only what is assigned to this user.
     std::optional<ObjectID<User>> userID{};
+    /// Only what is in this category.
     std::optional<ObjectID<Category>> categoryID{};
+    /// Only what was created on these days.
     std::optional<PipelineBoardDateRange> createDate{};
+    /// Only what is due on these days.
     std::optional<PipelineBoardDateRange> dueDate{};
+    /// Only what has this keyword.
     std::optional<ObjectID<Keyword>> keywordID{};
 
     /// User, due date, creation and category; see OpportunityBoardFilter.
     [[nodiscard]] std::string filterString(std::span<const BoardUser> users,
                                            std::span<const Category> categories) const;
+    /// Whether it narrows anything beyond the pipeline; a range of `none` does.
     [[nodiscard]] bool isFiltered() const noexcept;
 
     friend bool operator==(const ProjectBoardFilter&, const ProjectBoardFilter&) = default;
@@ -67,7 +78,9 @@ extern template struct Codec<ProjectBoardFilter>;
 /// What a filter asks of a record that the record does not carry itself: the template of the pipeline that it is in,
 /// absent when it is in none, and its keywords, which the caller keeps alive while a matcher looks at them.
 struct BoardRecordLinks {
+    /// Absent for a record in no pipeline, which is on no board.
     std::optional<ObjectID<PipelineDefinition>> pipelineDefinitionID{};
+    /// In any order.
     std::span<const ObjectID<Keyword>> keywordIDs{};
 };
 
@@ -91,8 +104,10 @@ class DateCondition {
 /// copied.
 class OpportunityBoardMatcher {
   public:
+    /// Of that filter, looked at there and then.
     explicit OpportunityBoardMatcher(const OpportunityBoardFilter& filter,
                                      const Calendar& calendar = Calendar::current(), Date now = Date::now());
+    /// Whether the filter lets the opportunity through.
     [[nodiscard]] bool matches(const Opportunity& opportunity, const BoardRecordLinks& links) const noexcept;
 
   private:
@@ -104,8 +119,10 @@ class OpportunityBoardMatcher {
 /// As OpportunityBoardMatcher, for projects.
 class ProjectBoardMatcher {
   public:
+    /// Of that filter, looked at there and then.
     explicit ProjectBoardMatcher(const ProjectBoardFilter& filter, const Calendar& calendar = Calendar::current(),
                                  Date now = Date::now());
+    /// Whether the filter lets the project through.
     [[nodiscard]] bool matches(const Project& project, const BoardRecordLinks& links) const noexcept;
 
   private:

@@ -11,7 +11,9 @@ namespace kestrel {
 struct BoardUser {
     using Coded = void;
 
+    /// The user.
     ObjectID<User> id;
+    /// The name to show.
     std::string name{};
     /// The number beside the name.
     std::int64_t count{};

@@ -17,14 +17,19 @@ namespace kestrel {
 
 /// Moves a card to another stage.
 struct ChangeStageOptions {
+    /// A member that is given when the options are made, and kept.
     template <class T>
     using Fixed = ReadOnly<T, ChangeStageOptions>;
 
     /// Which of the inputs a stage demands before it accepts the change.
     struct Requirements {
+        /// A start of the stay.
         bool start{};
+        /// An end of the stay.
         bool end{};
+        /// A note for the history.
         bool note{};
+        /// That the stage's activities are created.
         bool activities{};
 
         friend bool operator==(const Requirements&, const Requirements&) = default;
@@ -44,6 +49,7 @@ struct ChangeStageOptions {
     Fixed<std::optional<std::string>> note{};
     /// Whether the stage's activities are created.
     Fixed<bool> createActivities{false};
+    /// What the stage demands; absent while that is not known.
     std::optional<Requirements> requirements{};
     /// Whether the target is the stage that the record is already in.
     bool isRepeatingStage{};
@@ -61,12 +67,15 @@ struct ChangeStageOptions {
 
 /// Changes an opportunity's outcome.
 struct ChangeStateOptions {
+    /// The new outcome.
     OpportunityState state{};
+    /// Why; absent without a reason.
     std::optional<ObjectID<OpportunityStateReason>> reason{};
 
     friend bool operator==(const ChangeStateOptions&, const ChangeStateOptions&) = default;
 };
 
+/// Why a card was not moved.
 enum class ChangeStageError : std::uint8_t {
     objectiveNotFound,     ///< there is no such opportunity or project
     noWritePermission,     ///< the user may not change it
@@ -76,14 +85,16 @@ enum class ChangeStageError : std::uint8_t {
     pipelineMissingStage,  ///< the target is not among the pipeline's stages
 };
 
+/// Why an outcome was not changed.
 enum class ChangeStateError : std::uint8_t {
-    opportunityNotFound,
-    noWritePermission,
+    opportunityNotFound,  ///< there is no such opportunity
+    noWritePermission,    ///< the user may not change it
 };
 
+/// Why a status was not changed.
 enum class ChangeStatusError : std::uint8_t {
-    projectNotFound,
-    noWritePermission,
+    projectNotFound,    ///< there is no such project
+    noWritePermission,  ///< the user may not change it
 };
 
 }  // namespace kestrel

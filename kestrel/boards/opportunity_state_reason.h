@@ -27,7 +27,9 @@ struct OpportunityStateReason {
     std::optional<std::string> deletionIdentifier{};
     /// Key of the user who deleted it.
     std::optional<std::int64_t> deletionUserID{};
+    /// When to choose it, as users describe it.
     std::optional<std::string> details{};
+    /// What users call the reason.
     std::optional<std::string> name{};
     /// The raw value of the OpportunityState that it belongs to.
     std::int64_t opportunityStateType{};

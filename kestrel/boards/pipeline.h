@@ -35,8 +35,11 @@ struct PipelineDefinition {
     std::int64_t lowerThreshold{};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};
+    /// What users call the template.
     std::optional<std::string> name{};
+    /// What users note about the template.
     std::optional<std::string> note{};
+    /// Upper bound of its band.
     std::int64_t upperThreshold{};
 
     [[nodiscard]] const ObjectID<PipelineDefinition>& objectID() const noexcept { return pipelineDefinitionID.get(); }
@@ -65,12 +68,15 @@ struct PipelineStageDefinition {
     std::int64_t lowerThreshold{};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};
+    /// What users call the stage.
     std::optional<std::string> name{};
+    /// What users note about the stage.
     std::optional<std::string> note{};
     /// Position in its template.
     std::int64_t order{};
     /// Key of its template.
     std::optional<std::int64_t> pipelineDefinitionID{};
+    /// Upper bound of the probability.
     std::int64_t upperThreshold{};
 
     [[nodiscard]] const ObjectID<PipelineStageDefinition>& objectID() const noexcept {
@@ -97,10 +103,13 @@ struct Pipeline {
     std::optional<std::string> deletionIdentifier{};
     /// Key of the user who deleted it.
     std::optional<std::int64_t> deletionUserID{};
+    /// Lower bound of its band, by convention a percentage.
     std::int64_t lowerThreshold{};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};
+    /// The template's when it was applied.
     std::optional<std::string> name{};
+    /// What users note about it.
     std::optional<std::string> note{};
     /// Key of the opportunity that it belongs to.
     std::optional<std::int64_t> opportunityID{};
@@ -108,6 +117,7 @@ struct Pipeline {
     std::optional<std::int64_t> pipelineDefinitionID{};
     /// Key of the project that it belongs to.
     std::optional<std::int64_t> projectID{};
+    /// Upper bound of its band.
     std::int64_t upperThreshold{};
 
     [[nodiscard]] const ObjectID<Pipeline>& objectID() const noexcept { return pipelineID.get(); }
@@ -132,11 +142,15 @@ struct PipelineStage {
     std::optional<std::int64_t> deletionUserID{};
     /// Non-zero once the stage's activities have been created for the record.
     std::optional<std::int64_t> isActivitySetCreated{};
+    /// Lower bound of the probability, by convention a percentage.
     std::int64_t lowerThreshold{};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};
+    /// That of the template's stage when it was copied.
     std::optional<std::string> name{};
+    /// What users note about it.
     std::optional<std::string> note{};
+    /// Key of the opportunity that is moved through it; absent for a project.
     std::optional<std::int64_t> opportunityID{};
     /// Position in its pipeline.
     std::int64_t order{};
@@ -144,7 +158,9 @@ struct PipelineStage {
     std::optional<std::int64_t> pipelineID{};
     /// Key of the template's stage that it was copied from.
     std::optional<std::int64_t> pipelineStageDefinitionID{};
+    /// Key of the project that is moved through it; absent for an opportunity.
     std::optional<std::int64_t> projectID{};
+    /// Upper bound of the probability.
     std::int64_t upperThreshold{};
 
     [[nodiscard]] const ObjectID<PipelineStage>& objectID() const noexcept { return pipelineStageID.get(); }
@@ -178,6 +194,7 @@ struct PipelineStageHistory {
     std::optional<Date> modifyDate{};
     /// The note entered with the change.
     std::optional<std::string> note{};
+    /// Key of the opportunity that stayed; absent for a project.
     std::optional<std::int64_t> opportunityID{};
     /// Key of the pipeline entered.
     std::optional<std::int64_t> pipelineID{};
@@ -193,6 +210,7 @@ struct PipelineStageHistory {
     std::optional<std::int64_t> previousPipelineStageID{};
     /// Its name, copied.
     std::optional<std::string> previousStageName{};
+    /// Key of the project that stayed; absent for an opportunity.
     std::optional<std::int64_t> projectID{};
     /// The name of the stage entered, copied.
     std::optional<std::string> stageName{};

@@ -9,18 +9,23 @@
 
 namespace kestrel {
 
+/// What cards are ordered by.
 enum class PipelineBoardSortKey : std::uint8_t {
-    forecasted,
-    due,
-    created,
-    name,
-    priority,
-    totalValue,
-    probability,
-    nextActivity,
-    daysInStage,
+    forecasted,    ///< the forecast close
+    due,           ///< the due date
+    created,       ///< when the record was created
+    name,          ///< the title, without regard to the case of ASCII letters
+    priority,      ///< the priority
+    totalValue,    ///< the total value
+    probability,   ///< the probability of success
+    nextActivity,  ///< the date of the first next activity
+    daysInStage,   ///< how long it has been in its stage
 };
-enum class PipelineBoardSortOrder : std::uint8_t { forward, reverse };
+/// Which end comes first.
+enum class PipelineBoardSortOrder : std::uint8_t {
+    forward,  ///< the smallest or earliest one
+    reverse   ///< the greatest or latest one
+};
 template <>
 inline constexpr auto enumerationForm<PipelineBoardSortKey> = EnumerationForm::caseText;
 template <>
@@ -29,10 +34,14 @@ inline constexpr auto enumerationForm<PipelineBoardSortOrder> = EnumerationForm:
 /// In which order a board's cards stand in their columns. In keyed form "key" and "order", each the case's name.
 struct PipelineBoardSortDescriptor {
     using Coded = void;
+    /// What `key` tells.
     using Key = PipelineBoardSortKey;
+    /// What `order` tells.
     using SortOrder = PipelineBoardSortOrder;
 
+    /// By what.
     Key key{};
+    /// Which end comes first.
     SortOrder order{};
 
     /// Without an order, in the key's default one.
@@ -53,6 +62,7 @@ struct PipelineBoardSortDescriptor {
     /// What pickers offer. Any key can be used on either board.
     static constexpr std::array opportunityKeys{Key::forecasted, Key::created,     Key::name,         Key::priority,
                                                 Key::totalValue, Key::probability, Key::nextActivity, Key::daysInStage};
+    /// What pickers offer on a board of projects.
     static constexpr std::array projectKeys{Key::due,      Key::created,      Key::name,
                                             Key::priority, Key::nextActivity, Key::daysInStage};
 
@@ -72,8 +82,9 @@ struct PipelineBoardSortDescriptor {
 };
 extern template struct Codec<PipelineBoardSortDescriptor>;
 
-// Names in the user's language.
+/// The key's name in the user's language.
 [[nodiscard]] std::string localizedName(PipelineBoardSortKey key);
+/// The order's name in the user's language.
 [[nodiscard]] std::string localizedName(PipelineBoardSortOrder order);
 
 }  // namespace kestrel

@@ -16,18 +16,18 @@ namespace kestrel {
 
 /// What an alert is about.
 enum class AlertObjectType : std::uint16_t {
-    unknown = 0,
-    delegation = 1000,
-    meetingInvitation = 1001,
-    meetingResponse = 1002,
-    reminder = 1003,
-    delegationUpdate = 1004,
-    meetingUpdate = 1005,
-    meetingDeletion = 1006,
-    delegationDeletion = 1007,
-    meetingUninvited = 1008,
-    externalInvitationResponse = 1009,
-    externalInvitationDeliveryFailure = 1010,
+    unknown = 0,                               ///< not said
+    delegation = 1000,                         ///< something was delegated to the user
+    meetingInvitation = 1001,                  ///< the user is invited to a meeting
+    meetingResponse = 1002,                    ///< somebody has answered an invitation
+    reminder = 1003,                           ///< a reminder has fired
+    delegationUpdate = 1004,                   ///< what was delegated has changed
+    meetingUpdate = 1005,                      ///< a meeting has changed
+    meetingDeletion = 1006,                    ///< a meeting was deleted
+    delegationDeletion = 1007,                 ///< what was delegated was deleted
+    meetingUninvited = 1008,                   ///< the user is no longer invited to a meeting
+    externalInvitationResponse = 1009,         ///< somebody outside of the database has answered an invitation
+    externalInvitationDeliveryFailure = 1010,  ///< an invitation could not be delivered
 };
 template <>
 inline constexpr auto rawValueRanges<AlertObjectType> = std::array{RawValueRange{0, 0}, RawValueRange{1000, 1010}};
@@ -51,6 +51,7 @@ struct AlertObject {
     std::optional<std::int64_t> deletionUserID{};
     /// 1 when the user dismissed it.
     std::int64_t dismissed{};
+    /// 1 when it is not to be shown.
     std::int64_t hidden{};
     /// 1 when the user has read it.
     std::int64_t isReadCode{};

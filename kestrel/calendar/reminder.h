@@ -15,27 +15,27 @@ namespace kestrel {
 
 /// What a reminder does when it fires.
 enum class ReminderType : std::uint8_t {
-    unknown = 0,
-    display = 1,
-    email = 2,
-    sound = 3,
-    runScript = 4,
-    openFile = 5,
-    speakText = 6,
-    displayNote = 7,
+    unknown = 0,      ///< not said
+    display = 1,      ///< shows a message
+    email = 2,        ///< sends an e-mail
+    sound = 3,        ///< plays a sound
+    runScript = 4,    ///< runs a script
+    openFile = 5,     ///< opens a file
+    speakText = 6,    ///< speaks a text
+    displayNote = 7,  ///< shows a note
 };
 
 /// What the amount of a relative reminder counts. The first three count back from the task or appointment, the next
 /// three on from it.
 enum class ReminderUnit : std::uint8_t {
-    minutes = 0,
-    hours = 1,
-    days = 2,
-    minutesAfter = 3,
-    hoursAfter = 4,
-    daysAfter = 5,
-    onDateTime = 6,   ///< at its own time
-    taskSameDay = 7,  ///< on the day of the task
+    minutes = 0,       ///< minutes before
+    hours = 1,         ///< hours before
+    days = 2,          ///< days before
+    minutesAfter = 3,  ///< minutes after
+    hoursAfter = 4,    ///< hours after
+    daysAfter = 5,     ///< days after
+    onDateTime = 6,    ///< at its own time
+    taskSameDay = 7,   ///< on the day of the task
 };
 
 /// A reminder of a task or an appointment. The flags are integers, 0 or 1, as in the store.
@@ -44,7 +44,9 @@ struct Reminder {
     static constexpr auto entityName = entityNameOf<Reminder>;
 
     ReadOnly<ObjectID<Reminder>, Reminder> reminderID;
+    /// 1 while it is to fire.
     std::int64_t active{};
+    /// 1 when it is put away.
     std::int64_t archived{};
     /// When the record was created.
     std::optional<Date> createDate{};

@@ -27,6 +27,7 @@ struct RepeatEntry {
     std::optional<std::int64_t> deletionUserID{};
     /// Key of the repeating appointment.
     std::optional<std::int64_t> timeblockID{};
+    /// Of the Gregorian calendar.
     std::int64_t year{};
 
     [[nodiscard]] const ObjectID<RepeatEntry>& objectID() const noexcept { return repeatEntryID.get(); }
@@ -51,6 +52,7 @@ struct RepeatExceptionEntry {
     std::optional<std::int64_t> deletionUserID{};
     /// Key of the repeating appointment.
     std::optional<std::int64_t> timeblockID{};
+    /// Of the Gregorian calendar.
     std::int64_t year{};
 
     [[nodiscard]] const ObjectID<RepeatExceptionEntry>& objectID() const noexcept {

@@ -25,9 +25,11 @@ struct TaskList {
     std::optional<std::string> deletionIdentifier{};
     /// Key of the user who deleted it.
     std::optional<std::int64_t> deletionUserID{};
+    /// What the list is for, as users describe it.
     std::optional<std::string> details{};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};
+    /// What users call the list.
     std::optional<std::string> name{};
     /// Key of the opportunity that it belongs to.
     std::optional<std::int64_t> opportunityID{};

@@ -16,9 +16,13 @@ namespace kestrel {
 class AlertableObjectID
     : public Choice<AlertableObjectID, AppointmentID, ObjectID<Opportunity>, ObjectID<Project>, TaskID> {
   public:
+    /// An appointment or an occurrence of one.
     [[nodiscard]] static AlertableObjectID appointment(AppointmentID id) { return AlertableObjectID(std::move(id)); }
+    /// A sales deal.
     [[nodiscard]] static AlertableObjectID opportunity(ObjectID<Opportunity> id) { return AlertableObjectID(id); }
+    /// A project.
     [[nodiscard]] static AlertableObjectID project(ObjectID<Project> id) { return AlertableObjectID(id); }
+    /// A task or an occurrence of one.
     [[nodiscard]] static AlertableObjectID task(TaskID id) { return AlertableObjectID(std::move(id)); }
 
     [[nodiscard]] std::optional<AppointmentID> appointment() const { return payload<AppointmentID>(); }
@@ -26,6 +30,7 @@ class AlertableObjectID
     [[nodiscard]] std::optional<ObjectID<Project>> project() const { return payload<ObjectID<Project>>(); }
     [[nodiscard]] std::optional<TaskID> task() const { return payload<TaskID>(); }
 
+    /// Combines what equality compares.
     void hash(Hasher& hasher) const {
         hasher.combine(caseIndex());
         match([&](const auto& id) { hashValue(hasher, id); });
@@ -38,7 +43,9 @@ class AlertableObjectID
 
 /// An alert and the record that it concerns.
 struct UserNotificationAlert {
+    /// Identifies the alert.
     ObjectID<AlertObject> objectID;
+    /// What it concerns.
     AlertableObjectID alertableObjectID;
 
     friend bool operator==(const UserNotificationAlert&, const UserNotificationAlert&) = default;
@@ -47,9 +54,12 @@ struct UserNotificationAlert {
 /// The identity of a notification that the application posts: that of an alert. Compared and hashed by both parts.
 class KestrelUserNotification : public Choice<KestrelUserNotification, UserNotificationAlert> {
   public:
+    /// What an alert concerns.
     using AlertableObjectID = kestrel::AlertableObjectID;
+    /// The payload of the case of that name.
     using Alert = UserNotificationAlert;
 
+    /// The notification of that alert.
     [[nodiscard]] static KestrelUserNotification alert(ObjectID<AlertObject> objectID,
                                                        AlertableObjectID alertableObjectID) {
         return KestrelUserNotification(Alert{objectID, std::move(alertableObjectID)});
@@ -57,6 +67,7 @@ class KestrelUserNotification : public Choice<KestrelUserNotification, UserNotif
 
     [[nodiscard]] std::optional<Alert> alert() const { return payload<Alert>(); }
 
+    /// Combines what equality compares.
     void hash(Hasher& hasher) const {
         hasher.combine(caseIndex());
         match([&](const Alert& alert) {

@@ -12,7 +12,9 @@ namespace kestrel {
 /// One case of a choice in keyed form: its name, and the label of its payload. Without a label the payload is itself an
 /// object, whose members are the case's payload labels.
 struct CaseRow {
+    /// The key of the object that the case is written as.
     std::string_view name;
+    /// Empty when the case has no label.
     std::string_view label{};
 };
 
@@ -30,6 +32,7 @@ struct CaseRow {
 template <class C>
 struct CaseTable;
 
+/// A type whose wire form is a case table.
 template <class C>
 concept HasCaseTable = requires { CaseTable<C>::rows; };
 

@@ -31,7 +31,9 @@ struct Codec {
     static bool decode(JSONReader& reader, T& value);
     /// A value to decode into. It says nothing.
     static T blank();
+    /// Combines all that is written, so that equal values hash alike.
     static void hash(Hasher& hasher, const T& value);
+    /// Shows the value to people who debug.
     static void mirror(DebugMirror& mirror, const T& value);
     /// The keys under which the keyed forms of two values differ; see `differences`.
     static std::vector<std::string_view> differences(const T& a, const T& b)
@@ -67,6 +69,7 @@ concept CodedSet = requires(C set, typename C::value_type member) {
 // The operations over everything that a member can be: scalars, texts, dates, data, enumerations, coded types, and
 // optionals, vectors and sets of them.
 
+/// A value to decode into: of a coded type its codec's, of any other one the default. It says nothing.
 template <class T>
 [[nodiscard]] T blankValue() {
     if constexpr (Coded<T>) {
@@ -79,43 +82,59 @@ template <class T>
 /// Makes a blank value in place, in a container that constructs from it.
 template <class T>
 struct BlankMaker {
+    /// The blank value.
     // NOLINTNEXTLINE(google-explicit-constructor): the conversion is what it is for.
     operator T() const { return blankValue<T>(); }
 };
 
 // ---- declarations
 
+/// Writes a scalar, a text, an enumeration or a coded value, or fails through the writer.
 template <class T>
 bool encodeValue(JSONWriter& writer, const T& value);
+/// Writes an array of the elements, or fails at the first one that has no keyed form.
 template <class T>
 bool encodeValue(JSONWriter& writer, const std::vector<T>& values);
+/// Writes an array of the members in their order, or fails at the first one that has no keyed form.
 template <CodedSet C>
 bool encodeValue(JSONWriter& writer, const C& values);
+/// Writes null for an absent value.
 template <class T>
 bool encodeValue(JSONWriter& writer, const std::optional<T>& value);
 
+/// Reads a scalar, a text, an enumeration or a coded value into a blank one, or fails through the reader.
 template <class T>
 bool decodeValue(JSONReader& reader, T& value);
+/// Reads an array in the place of what was there, or fails at the first element that cannot be read.
 template <class T>
 bool decodeValue(JSONReader& reader, std::vector<T>& values);
+/// Reads an array in any order, and of equal elements one.
 template <CodedSet C>
 bool decodeValue(JSONReader& reader, C& values);
+/// Reads null as an absent value.
 template <class T>
 bool decodeValue(JSONReader& reader, std::optional<T>& value);
 
+/// Combines a value; what is equal hashes alike, the two zeros included.
 template <class T>
 void hashValue(Hasher& hasher, const T& value);
+/// Combines the number of elements, and each in its order.
 template <class T>
 void hashValue(Hasher& hasher, const std::vector<T>& values);
+/// Combines the number of members, and each in its order.
 template <CodedSet C>
 void hashValue(Hasher& hasher, const C& values);
+/// Combines whether there is a value, and the value.
 template <class T>
 void hashValue(Hasher& hasher, const std::optional<T>& value);
 
+/// Shows a value: an enumeration by its case's name, a coded value member by member.
 template <class T>
 void mirrorValue(DebugMirror& mirror, const T& value);
+/// Shows one line an element; "none" when there is none.
 template <class T>
 void mirrorValue(DebugMirror& mirror, const std::vector<T>& values);
+/// Shows one line a member; "none" when there is none.
 template <CodedSet C>
 void mirrorValue(DebugMirror& mirror, const C& values);
 
@@ -368,6 +387,7 @@ void mirrorValue(DebugMirror& mirror, const T& value) {
     }
 }
 
+/// Shows the value, or "absent".
 template <class T>
 void mirrorValue(DebugMirror& mirror, const std::optional<T>& value) {
     if (value) {

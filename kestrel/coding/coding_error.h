@@ -19,10 +19,14 @@ using CodingKey = std::variant<std::string, std::size_t>;
 /// The steps from the whole value to the place in question; empty for the whole value.
 class CodingPath {
   public:
+    /// To the whole value.
     CodingPath() = default;
+    /// From the outermost step to the innermost.
     CodingPath(std::initializer_list<CodingKey> keys) : keys_(keys.begin(), keys.end()) {}
 
+    /// From the outermost step to the innermost. Valid until the path changes.
     [[nodiscard]] const std::vector<CodingKey>& keys() const noexcept { return keys_; }
+    /// Whether it leads to the whole value.
     [[nodiscard]] bool empty() const noexcept { return keys_.empty(); }
     /// Adds the step before all others: paths are gathered from the inside outwards.
     void prepend(CodingKey key) { keys_.insert(keys_.begin(), std::move(key)); }
@@ -38,8 +42,11 @@ class CodingPath {
 
 /// A place in a document. The offset counts bytes from 0; line and column count from 1, the column in characters.
 struct TextPosition {
+    /// In bytes, from 0.
     std::size_t offset{};
+    /// From 1. Lines end with a line feed.
     std::size_t line{1};
+    /// From 1, in characters.
     std::size_t column{1};
 
     friend bool operator==(const TextPosition&, const TextPosition&) = default;
@@ -47,6 +54,7 @@ struct TextPosition {
 
 /// Why a document did not become a value.
 struct DecodingError {
+    /// What is wrong, for programs that tell failures apart.
     enum class Kind {
         typeMismatch,   ///< the value at the path is of another JSON kind, or of no case that the type knows
         valueNotFound,  ///< null where a value is required
@@ -54,7 +62,9 @@ struct DecodingError {
         dataCorrupted,  ///< the document is malformed, or the value is of the right kind and yet not acceptable
     };
 
+    /// What is wrong.
     Kind kind{};
+    /// Where in the value.
     CodingPath codingPath{};
     /// A sentence for developers. Never localised.
     std::string description{};
@@ -69,16 +79,20 @@ struct DecodingError {
 
 /// Why a value could not be written.
 struct EncodingError {
+    /// What is wrong, for programs that tell failures apart.
     enum class Kind {
         invalidValue,  ///< the value at the path has no keyed form
     };
     /// What could not be written, where it is more than a description tells.
     using OffendingValue = std::variant<std::monostate, UUID, ObjectIdentifier, double>;
 
+    /// What is wrong.
     Kind kind{};
+    /// Where in the value.
     CodingPath codingPath{};
     /// A sentence for developers. Never localised.
     std::string description{};
+    /// The value itself: the UUID or the identity of an unsaved identifier, a number that is not finite.
     OffendingValue value{};
 
     /// "invalidValue at PATH: DESCRIPTION", in one line.
@@ -88,6 +102,7 @@ struct EncodingError {
 
 /// The common forms of both: the kind as code, the message as description, which is English.
 [[nodiscard]] PlatformError platformError(const DecodingError& error);
+/// The kind as code, the message as description, which is English.
 [[nodiscard]] PlatformError platformError(const EncodingError& error);
 
 }  // namespace kestrel

@@ -11,7 +11,9 @@ enum class DateStrategy {
     iso8601,  ///< a text such as "2017-03-01T00:00:00Z"; written in UTC, read with any offset; years 1 to 9999
 };
 
+/// What the keyed form leaves open. Reading takes the options that the writer had.
 struct CodingOptions {
+    /// For every date of the document.
     DateStrategy dateStrategy{DateStrategy::deferred};
 
     friend bool operator==(const CodingOptions&, const CodingOptions&) = default;

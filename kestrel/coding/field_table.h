@@ -52,6 +52,8 @@
                   "The field table of " #Type " must list every member, each once.");                         \
     template struct Codec<Type>
 
+/// @cond
+// What the macro is made of.
 #define KESTREL_FIELD_INDEX(Type, entry) KESTREL_FIELD_MEMBER(entry),
 #define KESTREL_FIELD_NAME(Type, entry) KESTREL_FIELD_TEXT(entry),
 #define KESTREL_FIELD_BRACES(Type, entry) \
@@ -101,6 +103,7 @@
 #define KESTREL_EXPAND3(...) KESTREL_EXPAND2(KESTREL_EXPAND2(KESTREL_EXPAND2(KESTREL_EXPAND2(__VA_ARGS__))))
 #define KESTREL_EXPAND2(...) KESTREL_EXPAND1(KESTREL_EXPAND1(KESTREL_EXPAND1(KESTREL_EXPAND1(__VA_ARGS__))))
 #define KESTREL_EXPAND1(...) __VA_ARGS__
+/// @endcond
 
 namespace kestrel {
 

@@ -27,14 +27,29 @@ class JSONReader {
     static constexpr unsigned depthLimit = 512;
 
     /// What a codec expected at the cursor, for errors.
-    enum class Expected { boolean, integer, number, string, date, data, object, array };
+    enum class Expected {
+        boolean,  ///< `true` or `false`
+        integer,  ///< a number without a fraction that fits 64 signed bits
+        number,   ///< any number
+        string,   ///< a text
+        date,     ///< a date in the form of the options
+        data,     ///< a text of base64
+        object,   ///< an object
+        array     ///< an array
+    };
     /// What follows a member or element.
-    enum class Next { another, end, broken };
+    enum class Next {
+        another,  ///< a comma, and then another one
+        end,      ///< the end of the object or array
+        broken    ///< neither: the document is malformed
+    };
 
     /// The text must outlive the reader. A leading byte-order mark is skipped.
     JSONReader(std::string_view text, const CodingOptions& options);
 
+    /// Those that it was made with.
     [[nodiscard]] const CodingOptions& options() const noexcept { return options_; }
+    /// Whether this is the second pass, which finds the error.
     [[nodiscard]] bool isCareful() const noexcept { return careful_; }
     /// Back to the start of the document, for the careful pass.
     void restartCarefully();
@@ -46,16 +61,25 @@ class JSONReader {
     [[nodiscard]] DecodingError takeError();
 
     // Values. Each reads the value at the cursor and leaves the cursor behind it, or fails and leaves it where it was.
+    /// A text, unescaped.
     bool read(std::string& value);
+    /// A number without a fraction that fits 64 signed bits, however it is written: 42, 42.0, 4.2e1.
     bool read(std::int64_t& value);
+    /// A number; one that is too large for a double fails.
     bool read(double& value);
+    /// `true` or `false`, and no number.
     bool read(bool& value);
+    /// A date in the form of the options.
     bool read(Date& value);
+    /// A text of base64, with its padding.
     bool read(Data& value);
     /// Reads past a value of any kind, checking it.
     bool skipValue();
+    /// Whether null stands at the cursor, or what starts like it.
     [[nodiscard]] bool isNull() const noexcept { return peek() == 'n'; }
+    /// Steps over null.
     bool readNull();
+    /// Whether an object starts at the cursor.
     [[nodiscard]] bool isObject() const noexcept { return peek() == '{'; }
     /// Whether no object or array may be entered here.
     [[nodiscard]] bool isAtDepthLimit() const noexcept { return depth_ == depthLimit; }
@@ -80,6 +104,7 @@ class JSONReader {
     }
     /// Reads the comma or the end of the object behind a member's value.
     [[gnu::always_inline]] Next nextMember() noexcept { return next('}'); }
+    /// Enters the array at the cursor; the cursor then stands on its first element or its closing bracket.
     bool beginArray() {
         if (peek() != '[' || depth_ == depthLimit) return refuse(Expected::array);
         ++depth_;
@@ -87,6 +112,7 @@ class JSONReader {
         skipSpace();
         return true;
     }
+    /// Reads the comma or the end of the array behind an element.
     Next nextElement() noexcept { return next(']'); }
     /// Matches the text `"key":`, of `Length` characters, at the cursor, and steps over it and white space.
     template <std::size_t Length>
@@ -107,15 +133,21 @@ class JSONReader {
     }
 
     // Places. A place remembers the cursor and what goes with it; going back to one is free.
+    /// Where the cursor stands, and how deep.
     struct Place {
+        /// Null for no place.
         const char* cursor{};
+        /// How many objects and arrays are open there.
         unsigned depth{};
     };
+    /// Where the cursor stands now.
     [[nodiscard]] Place place() const noexcept { return {cursor_, depth_}; }
+    /// Puts the cursor where it stood.
     void goTo(Place place) noexcept {
         cursor_ = place.cursor;
         depth_ = place.depth;
     }
+    /// How many bytes of the document lie behind the cursor.
     [[nodiscard]] std::size_t remaining() const noexcept { return static_cast<std::size_t>(end_ - cursor_); }
 
     // Errors. All return false; in the fast pass they only do that.
@@ -123,9 +155,11 @@ class JSONReader {
     bool refuse(Expected expected);
     /// An error at the cursor in the codec's own words.
     bool fail(DecodingError::Kind kind, std::string description);
+    /// A required key that the object at the cursor does not have.
     bool failMissingKey(std::string_view key);
     /// Adds a step to the path of the error that is on its way out.
     void prependKey(std::string_view key);
+    /// Adds an element to the path of the error that is on its way out.
     void prependIndex(std::size_t index);
     /// Forgets the error of an attempt that may fail.
     void discardError();

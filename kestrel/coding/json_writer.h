@@ -26,26 +26,36 @@ class JSONWriter {
         if (!finished_) buffer_->resize(before_);
     }
 
+    /// Those that it was made with.
     [[nodiscard]] const CodingOptions& options() const noexcept { return options_; }
 
     // Values. Each fails when the value has no JSON form: a number that is not finite, a text that is not UTF-8, a date
     // that the strategy cannot express.
+    /// A text, escaped.
     bool write(std::string_view value);
+    /// A text, escaped.
     bool write(const std::string& value);
+    /// A text that ends with a zero, escaped.
     bool write(const char* value) { return write(std::string_view(value)); }
+    /// A number, in decimal.
     bool write(std::int64_t value);
+    /// A number that reads back bit for bit. Fails for one that is not finite.
     bool write(double value);
     /// Booleans only: what merely converts to one, such as a pointer, is not written as one.
     bool write(std::same_as<bool> auto value) {
         append(value ? std::string_view("true") : std::string_view("false"));
         return true;
     }
+    /// In the form of the options.
     bool write(Date value);
+    /// A text of base64.
     bool write(const Data& value);
+    /// Null.
     void writeNull() { append("null"); }
 
     // Objects and arrays. A member is its key and then its value; an element is a comma and then its value. Closing
     // puts the opening character over the first comma.
+    /// Starts an object or an array: where it starts, for closing it.
     [[nodiscard]] std::size_t open() const noexcept { return static_cast<std::size_t>(cursor_ - buffer_->data()); }
     /// A key as the ready text `,"key":`.
     template <std::size_t N>
@@ -57,11 +67,14 @@ class JSONWriter {
     }
     /// A key that is plain enough to stand in quotes as it is.
     void key(std::string_view plainKey);
+    /// Starts an element.
     void element() {
         reserve(1);
         *cursor_++ = ',';
     }
+    /// Ends the object that was started there.
     void closeObject(std::size_t opened) { close(opened, '{', '}'); }
+    /// Ends the array that was started there.
     void closeArray(std::size_t opened) { close(opened, '[', ']'); }
     /// Text that is JSON already.
     void append(std::string_view json) {
@@ -80,7 +93,9 @@ class JSONWriter {
     bool fail(std::string description, EncodingError::OffendingValue value = {});
     /// Adds a step to the path of the error that is on its way out.
     void prependKey(std::string_view key) { error_.codingPath.prepend(std::string(key)); }
+    /// Adds an element to the path of the error that is on its way out.
     void prependIndex(std::size_t index) { error_.codingPath.prepend(index); }
+    /// The error that a codec has reported.
     [[nodiscard]] EncodingError takeError() { return std::move(error_); }
 
   private:

@@ -21,8 +21,10 @@ namespace kestrel {
 /// Sixteen bytes of text, looked at together.
 class TextBlock {
   public:
+    /// In bytes.
     static constexpr std::size_t size = 16;
 
+    /// The sixteen bytes from there on, which have to be there.
     [[nodiscard]] static TextBlock load(const char* from) noexcept {
         TextBlock block;
         std::memcpy(&block.bytes_, from, size);
@@ -46,6 +48,7 @@ class TextBlock {
         std::memcpy(&block.bytes_, words.data(), size);
         return block;
     }
+    /// Writes all sixteen bytes there.
     void store(char* to) const noexcept { std::memcpy(to, &bytes_, size); }
 
 #if defined(__SSE2__)

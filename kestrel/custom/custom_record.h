@@ -26,11 +26,13 @@ struct CustomRecordSetDefinition {
     std::optional<std::string> deletionIdentifier{};
     /// Key of the user who deleted it.
     std::optional<std::int64_t> deletionUserID{};
+    /// What the form is for, as users describe it.
     std::optional<std::string> details{};
     /// Whether it is offered for new forms.
     bool isActive{true};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};
+    /// What users call the form.
     std::optional<std::string> name{};
     /// Position in pick lists.
     std::int64_t order{};
@@ -46,12 +48,20 @@ struct CustomRecordSetDefinition {
 extern template struct Codec<CustomRecordSetDefinition>;
 
 /// What a custom field holds.
-enum class CustomRecordKind : std::uint8_t { text = 0, multilineText = 1, number = 2, date = 3, flag = 4, choice = 5 };
+enum class CustomRecordKind : std::uint8_t {
+    text = 0,           ///< one line
+    multilineText = 1,  ///< a text of several lines
+    number = 2,         ///< a number
+    date = 3,           ///< a date
+    flag = 4,           ///< yes or no
+    choice = 5          ///< one of the definition's choices
+};
 
 /// A field of a form's template.
 struct CustomRecordDefinition {
     static constexpr auto recordName = recordNameOf<CustomRecordDefinition>;
     static constexpr auto entityName = entityNameOf<CustomRecordDefinition>;
+    /// What `kind` tells.
     using Kind = CustomRecordKind;
 
     ReadOnly<ObjectID<CustomRecordDefinition>, CustomRecordDefinition> customRecordDefinitionID;
@@ -71,6 +81,7 @@ struct CustomRecordDefinition {
     std::optional<std::int64_t> deletionUserID{};
     /// Whether it has to be filled in.
     bool isRequired{};
+    /// What the field holds.
     CustomRecordKind kind{};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};
@@ -113,6 +124,7 @@ struct CustomRecord {
     std::optional<bool> flagValue{};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};
+    /// What the field is called, where its definition does not say.
     std::optional<std::string> name{};
     /// The value of a number.
     std::optional<double> numberValue{};

@@ -14,15 +14,22 @@ namespace kestrel {
 
 struct AnyElectronicAddress;
 
-enum class ElectronicAddressKind : std::uint8_t { email = 0, url = 1, socialProfile = 2 };
+/// What an electronic address leads to.
+enum class ElectronicAddressKind : std::uint8_t {
+    email = 0,         ///< a mailbox
+    url = 1,           ///< a page on the web
+    socialProfile = 2  ///< a profile on a social network
+};
 
 /// An electronic address as one of its kind. It shares its identifier, and all that it says, with the entry that it was
 /// read from.
 template <ElectronicAddressKind viewedKind>
 struct ElectronicAddressView {
     using Coded = void;
+    /// The kind of all such addresses.
     static constexpr ElectronicAddressKind kind = viewedKind;
 
+    /// Identifies the entry that it was read from.
     ReadOnly<ObjectID<AnyElectronicAddress>, ElectronicAddressView> electronicAddressID;
     /// The e-mail address, the URL, or the name or URL of the profile.
     std::optional<std::string> address{};
@@ -63,6 +70,7 @@ extern template struct Codec<SocialProfile>;
 struct AnyElectronicAddress {
     static constexpr auto recordName = recordNameOf<AnyElectronicAddress>;
     static constexpr auto entityName = entityNameOf<AnyElectronicAddress>;
+    /// What `kind` tells.
     using Kind = ElectronicAddressKind;
 
     ReadOnly<ObjectID<AnyElectronicAddress>, AnyElectronicAddress> electronicAddressID;
@@ -76,6 +84,7 @@ struct AnyElectronicAddress {
     std::optional<std::string> deletionIdentifier{};
     /// Key of the user who deleted it.
     std::optional<std::int64_t> deletionUserID{};
+    /// What the address leads to.
     ElectronicAddressKind kind{};
     /// What the user calls it: "Work", "Home".
     std::optional<AnyLabel> label{};
@@ -87,10 +96,14 @@ struct AnyElectronicAddress {
     [[nodiscard]] const ObjectID<AnyElectronicAddress>& objectID() const noexcept { return electronicAddressID.get(); }
     [[nodiscard]] const ObjectID<AnyElectronicAddress>& id() const noexcept { return electronicAddressID.get(); }
 
+    /// The entry that the view was read from, with whatever was changed in the view.
     template <ElectronicAddressKind viewedKind>
     [[nodiscard]] static AnyElectronicAddress from(const ElectronicAddressView<viewedKind>& view);
+    /// As an e-mail address; absent when it is of another kind.
     [[nodiscard]] std::optional<EmailAddress> email() const;
+    /// As a web address; absent when it is of another kind.
     [[nodiscard]] std::optional<URLAddress> url() const;
+    /// As a profile; absent when it is of another kind.
     [[nodiscard]] std::optional<SocialProfile> socialProfile() const;
 
     friend bool operator==(const AnyElectronicAddress&, const AnyElectronicAddress&) = default;

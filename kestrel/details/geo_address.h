@@ -18,6 +18,7 @@ struct GeoAddress {
     static constexpr auto entityName = entityNameOf<GeoAddress>;
 
     ReadOnly<ObjectID<GeoAddress>, GeoAddress> geoAddressID;
+    /// City, town or village.
     std::optional<std::string> city{};
     /// As the user wrote it.
     std::optional<std::string> country{};
@@ -39,6 +40,7 @@ struct GeoAddress {
     std::optional<double> longitude{};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};
+    /// As it is written in the country.
     std::optional<std::string> postalCode{};
     /// State, province or region.
     std::optional<std::string> state{};

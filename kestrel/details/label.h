@@ -35,6 +35,7 @@ struct AnyLabel {
     bool isForPhone{};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};
+    /// The label itself.
     std::optional<std::string> name{};
     /// Position in pick lists.
     std::int64_t order{};

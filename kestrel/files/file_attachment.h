@@ -18,6 +18,7 @@ struct FileAttachment {
     static constexpr auto entityName = entityNameOf<FileAttachment>;
 
     ReadOnly<ObjectID<FileAttachment>, FileAttachment> fileAttachmentID;
+    /// What users say about it.
     std::optional<std::string> attachmentNote{};
     /// When the record was created.
     std::optional<Date> createDate{};
@@ -35,6 +36,7 @@ struct FileAttachment {
     std::optional<std::string> name{};
     /// In bytes.
     std::int64_t size{};
+    /// What users call it, where that is not the name of the file.
     std::optional<std::string> title{};
     /// Who may read and change it.
     Permissions permissions{};

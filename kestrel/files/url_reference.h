@@ -28,7 +28,9 @@ struct URLReference {
     std::optional<std::int64_t> deletionUserID{};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};
+    /// What users call the link.
     std::optional<std::string> name{};
+    /// What users say about it.
     std::optional<std::string> note{};
     /// The URL as the user wrote it.
     std::optional<std::string> urlString{};

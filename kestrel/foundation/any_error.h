@@ -61,6 +61,7 @@ template <ErrorValue E>
 /// Any error. A value that its copies share; never empty but after it was moved from.
 class AnyError {
   public:
+    /// Takes the error as it is. Any error converts, so that functions can take an AnyError.
     template <ErrorValue E>
     // NOLINTNEXTLINE(google-explicit-constructor): every error is one.
     AnyError(E error) : error_(std::make_shared<const Holder<E>>(std::move(error))) {}

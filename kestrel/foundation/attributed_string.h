@@ -13,26 +13,42 @@
 namespace kestrel {
 
 /// A part of a person's name.
-enum class NamePart : std::uint8_t { prefix = 0, first = 1, middle = 2, last = 3, suffix = 4, nickname = 5, alias = 6 };
+enum class NamePart : std::uint8_t {
+    prefix = 0,    ///< what stands in front, such as "Dr."
+    first = 1,     ///< the first of the given names
+    middle = 2,    ///< the given names behind it
+    last = 3,      ///< the family name
+    suffix = 4,    ///< what stands behind, such as "Jr."
+    nickname = 5,  ///< what friends say
+    alias = 6      ///< another name that the person goes by
+};
 
 /// How a run of text looks and what it stands for. Without any attribute text is plain.
 struct TextAttributes {
     using Coded = void;
 
+    /// Behind the letters; absent leaves what is there.
     std::optional<RGBAColor> backgroundColor{};
+    /// The font by its name; absent leaves the choice to who shows the text.
     std::optional<std::string> fontName{};
     /// In points.
     std::optional<double> fontSize{};
+    /// Of the letters; absent leaves the choice to who shows the text.
     std::optional<RGBAColor> foregroundColor{};
+    /// In bold type.
     bool isBold{};
+    /// In italic type.
     bool isItalic{};
+    /// With a line through the letters.
     bool isStruckThrough{};
+    /// With a line below the letters.
     bool isUnderlined{};
     /// Where the text leads, as a URL.
     std::optional<std::string> link{};
     /// The part of a person's name that the text is.
     std::optional<NamePart> namePart{};
 
+    /// Whether there is no attribute at all.
     [[nodiscard]] bool isPlain() const { return *this == TextAttributes{}; }
 
     friend bool operator==(const TextAttributes&, const TextAttributes&) = default;
@@ -47,16 +63,22 @@ class AttributedString {
   public:
     using Coded = void;
 
+    /// A part of the text by its place.
     struct Range {
+        /// The first code point, counted from 0.
         std::size_t start{};
+        /// In code points.
         std::size_t length{};
 
+        /// The code point behind the last one.
         [[nodiscard]] std::size_t end() const noexcept { return start + length; }
         friend bool operator==(const Range&, const Range&) = default;
     };
     /// A part of the text that is not plain.
     struct Run {
+        /// Not empty, and within the text.
         Range range{};
+        /// Never plain.
         TextAttributes attributes{};
 
         friend bool operator==(const Run&, const Run&) = default;
@@ -70,10 +92,12 @@ class AttributedString {
     }
     AttributedString(const AttributedString&) = default;
     AttributedString& operator=(const AttributedString&) = default;
+    /// Leaves the other one empty.
     AttributedString(AttributedString&& other) noexcept
         : text_(std::exchange(other.text_, {})),
           length_(std::exchange(other.length_, 0)),
           runs_(std::exchange(other.runs_, {})) {}
+    /// Leaves the other one empty.
     AttributedString& operator=(AttributedString&& other) noexcept {
         text_ = std::exchange(other.text_, {});
         length_ = std::exchange(other.length_, 0);
@@ -82,9 +106,11 @@ class AttributedString {
     }
     ~AttributedString() = default;
 
+    /// All of it, in UTF-8. Valid until the value changes.
     [[nodiscard]] const std::string& text() const noexcept { return text_; }
     /// In code points.
     [[nodiscard]] std::size_t length() const noexcept { return length_; }
+    /// Whether there is no text; then there are no runs either.
     [[nodiscard]] bool isEmpty() const noexcept { return text_.empty(); }
     /// In order. Valid until the value changes.
     [[nodiscard]] std::span<const Run> runs() const noexcept { return runs_; }
@@ -95,6 +121,7 @@ class AttributedString {
 
     /// Linear in what is appended.
     void append(std::string_view text, const TextAttributes& attributes = {});
+    /// With its attributes. Linear in what is appended.
     void append(const AttributedString& other);
     /// Gives a range these attributes instead of those that it had. What lies beyond the end is left out. Linear in the
     /// number of runs; at once where the range lies behind the last of them.

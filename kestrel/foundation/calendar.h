@@ -13,7 +13,11 @@ class time_zone;
 
 namespace kestrel {
 
-enum class ClockUnit : std::uint8_t { minute, hour };
+/// What starts on a clock.
+enum class ClockUnit : std::uint8_t {
+    minute,  ///< when the seconds are 0
+    hour     ///< when minutes and seconds are 0
+};
 
 /// The Gregorian calendar in a time zone, with a first day of the week. A small value: copying is cheap, and reading it
 /// is safe from any thread.
@@ -26,12 +30,15 @@ class Calendar {
     /// the zone of the system, else UTC; the first weekday of the user's locale, Monday where the locale says nothing.
     /// Reads the environment at every call.
     [[nodiscard]] static Calendar current();
+    /// In Coordinated Universal Time, where every day has 24 hours.
     [[nodiscard]] static Calendar utc(std::chrono::weekday firstWeekday = std::chrono::Monday);
     /// By the zone's name in the time-zone database, such as "Europe/Berlin". Absent when there is no such zone.
     [[nodiscard]] static std::optional<Calendar> inZone(std::string_view timeZoneName,
                                                         std::chrono::weekday firstWeekday = std::chrono::Monday);
 
+    /// Of the zone in the time-zone database; "UTC" for `utc`. Valid as long as the program.
     [[nodiscard]] std::string_view timeZoneName() const;
+    /// The day with which weeks start.
     [[nodiscard]] std::chrono::weekday firstWeekday() const noexcept { return firstWeekday_; }
 
     /// The calendar day on which a moment falls.
@@ -39,17 +46,22 @@ class Calendar {
     /// The first moment of a day.
     [[nodiscard]] Date startOf(std::chrono::local_days day) const;
 
+    /// Whether both fall on one calendar day.
     [[nodiscard]] bool isSameDay(Date a, Date b) const { return dayOf(a) == dayOf(b); }
     /// Whether `date` falls on the day of `now`.
     [[nodiscard]] bool isToday(Date date, Date now = Date::now()) const { return isSameDay(date, now); }
     /// Midnights passed from `from` to `to`: 0 on the same day, 1 on the next, negative when `to` is earlier.
     [[nodiscard]] int daysBetween(Date from, Date to) const;
 
+    /// The first moment of the day on which the date falls.
     [[nodiscard]] Date startOfDay(Date date) const;
+    /// The first moment of its week, which starts with `firstWeekday`.
     [[nodiscard]] Date startOfWeek(Date date) const;
+    /// The first moment of its month.
     [[nodiscard]] Date startOfMonth(Date date) const;
     /// Quarters start with January, April, July and October.
     [[nodiscard]] Date startOfQuarter(Date date) const;
+    /// The first moment of its year.
     [[nodiscard]] Date startOfYear(Date date) const;
 
     /// The first moment after `date` at which a minute or an hour starts on the clocks of the zone. Where clocks are
@@ -73,16 +85,22 @@ class Calendar {
 /// Asking for the user's calendar costs some microseconds: where there are many cards, make one for all of them, which
 /// also keeps "today" the same day for all.
 struct CalendarMoment {
+    /// Where: its zone decides which day it is.
     Calendar calendar = Calendar::current();
+    /// When.
     Date now = Date::now();
 };
 
 /// The parts of a moment in a calendar that relative ranges are made of, as whole days.
 namespace calendar_days {
 
+/// The last such weekday that is not after the day.
 [[nodiscard]] std::chrono::local_days startOfWeek(std::chrono::local_days day, std::chrono::weekday firstWeekday);
+/// The first day of its month.
 [[nodiscard]] std::chrono::local_days startOfMonth(std::chrono::local_days day);
+/// The first day of its January, April, July or October.
 [[nodiscard]] std::chrono::local_days startOfQuarter(std::chrono::local_days day);
+/// The first of January of its year.
 [[nodiscard]] std::chrono::local_days startOfYear(std::chrono::local_days day);
 /// Adds months, up or down, to the first day of a month.
 [[nodiscard]] std::chrono::local_days addMonths(std::chrono::local_days firstOfMonth, int months);

@@ -26,6 +26,7 @@ struct NoPayload {
 template <class Derived, class... Payloads>
 class Choice {
   public:
+    /// What holds the payload, in the order of the cases. For codecs: others use `match` and the named cases.
     using Variant = std::variant<Payloads...>;
 
     /// Calls the visitor whose parameter is the payload of this value's case. One visitor a case: a missing one does
@@ -40,12 +41,15 @@ class Choice {
     friend bool operator==(const Choice&, const Choice&) = default;
 
   protected:
+    /// From a payload at its place. What derives from this calls it for each of its cases.
     explicit Choice(Variant value) : value_(std::move(value)) {}
 
+    /// The payload when it is of that type, else null. Valid as long as the value.
     template <class Payload>
     [[nodiscard]] const Payload* payloadIf() const noexcept {
         return std::get_if<Payload>(&value_);
     }
+    /// A copy of the payload when it is of that type, else absent.
     template <class Payload>
     [[nodiscard]] std::optional<Payload> payload() const {
         if (const auto* found = payloadIf<Payload>()) return *found;

@@ -11,6 +11,7 @@ namespace kestrel {
 
 /// A sequence of bytes of any content. Its text form is base64 with padding (RFC 4648, section 4).
 struct Data {
+    /// The bytes, which callers may change.
     std::vector<std::byte> bytes{};
 
     /// The bytes of a text, unchanged.
@@ -18,6 +19,7 @@ struct Data {
     /// Reads base64 with its padding. Absent for any other character, white space included, and for a broken length.
     [[nodiscard]] static std::optional<Data> fromBase64(std::string_view text);
 
+    /// With padding and without line breaks.
     [[nodiscard]] std::string base64() const;
     /// The bytes seen as characters; valid as long as this value.
     [[nodiscard]] std::string_view text() const noexcept {

@@ -28,7 +28,9 @@ class Date {
         if (sinceReferenceDate != sinceReferenceDate) return std::nullopt;
         return Date(sinceReferenceDate);
     }
+    /// That many seconds after 1970-01-01T00:00:00Z; negative before. NaN stops the program.
     [[nodiscard]] static constexpr Date since1970(double seconds) { return Date(seconds - referenceSince1970); }
+    /// From a time of `std::chrono::system_clock` of any resolution.
     template <class Duration>
     [[nodiscard]] static constexpr Date from(std::chrono::sys_time<Duration> time) {
         // Whole seconds apart from the fraction: each is exact, so that chrono times of microseconds come back
@@ -45,7 +47,9 @@ class Date {
     /// 4001-01-01T00:00:00Z: after every date that a record holds.
     [[nodiscard]] static constexpr Date distantFuture() { return Date(63'113'904'000.0); }
 
+    /// In seconds, as they are held: exact.
     [[nodiscard]] constexpr double sinceReferenceDate() const noexcept { return seconds_; }
+    /// In seconds, rounded to what a double holds that far from its zero: some tenths of a microsecond.
     [[nodiscard]] constexpr double since1970() const noexcept { return seconds_ + referenceSince1970; }
     /// Rounded to the nearest microsecond; a date beyond chrono's range becomes the nearest end of it.
     [[nodiscard]] std::chrono::sys_time<std::chrono::microseconds> time() const noexcept;
@@ -60,11 +64,14 @@ class Date {
     [[nodiscard]] std::string description() const;
 
     friend constexpr bool operator==(const Date&, const Date&) = default;
+    /// A total order: the earlier one first.
     friend constexpr std::strong_ordering operator<=>(const Date& a, const Date& b) noexcept {
         if (a.seconds_ < b.seconds_) return std::strong_ordering::less;
         return b.seconds_ < a.seconds_ ? std::strong_ordering::greater : std::strong_ordering::equal;
     }
+    /// So many seconds later. A result that is NaN stops the program.
     [[nodiscard]] friend constexpr Date operator+(Date date, double seconds) { return Date(date.seconds_ + seconds); }
+    /// So many seconds earlier. A result that is NaN stops the program.
     [[nodiscard]] friend constexpr Date operator-(Date date, double seconds) { return Date(date.seconds_ - seconds); }
     /// Seconds from `b` to `a`.
     [[nodiscard]] friend constexpr double operator-(Date a, Date b) noexcept { return a.seconds_ - b.seconds_; }
@@ -77,9 +84,12 @@ class Date {
 
 /// The moments from `start` up to, and without, `end`.
 struct DateRange {
+    /// The first moment that belongs to it.
     Date start{};
+    /// The first moment behind it. At or before the start, the range is empty.
     Date end{};
 
+    /// Whether the moment lies in it, `start` included and `end` not.
     [[nodiscard]] constexpr bool contains(Date date) const noexcept { return start <= date && date < end; }
     friend constexpr bool operator==(const DateRange&, const DateRange&) = default;
 };

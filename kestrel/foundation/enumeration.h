@@ -15,7 +15,9 @@ namespace kestrel {
 
 /// The integers from `first` to `last`, both included.
 struct RawValueRange {
+    /// The smallest one.
     std::int64_t first;
+    /// The largest one.
     std::int64_t last;
 };
 
@@ -97,6 +99,7 @@ consteval std::size_t countCases() {
 
 }  // namespace enumeration_detail
 
+/// Any enumeration.
 template <class E>
 concept Enumeration = std::is_enum_v<E>;
 
@@ -151,10 +154,12 @@ concept IntegerBacked = Enumeration<E> && enumerationForm<E> == EnumerationForm:
 template <class E>
 concept TextBacked = Enumeration<E> && enumerationForm<E> == EnumerationForm::caseText;
 
+/// The integer that keyed forms and stores have for the case.
 template <IntegerBacked E>
 [[nodiscard]] constexpr std::int64_t rawValue(E value) noexcept {
     return static_cast<std::int64_t>(value);
 }
+/// The text that keyed forms and stores have for the case: its name.
 template <TextBacked E>
 [[nodiscard]] constexpr std::string_view rawValue(E value) noexcept {
     return caseName(value);
@@ -167,6 +172,7 @@ template <IntegerBacked E>
     if (slot == enumeration_detail::slotCount<E> || enumeration_detail::names<E>[slot].empty()) return std::nullopt;
     return static_cast<E>(raw);
 }
+/// The case of that name; absent when no case has it.
 template <TextBacked E>
 [[nodiscard]] constexpr std::optional<E> fromRawValue(std::string_view raw) noexcept {
     return fromCaseName<E>(raw);

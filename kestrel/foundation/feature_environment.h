@@ -17,7 +17,9 @@ namespace kestrel {
 ///     if (FeatureEnvironment::current()->isEnabled("boards")) …
 class FeatureEnvironment {
   public:
+    /// Of features; names are compared byte by byte.
     using Names = std::set<std::string, std::less<>>;
+    /// Whether a feature is enabled, by its name.
     using Decisions = std::map<std::string, bool, std::less<>>;
 
     /// Enables nothing.

@@ -21,6 +21,7 @@ namespace kestrel {
 /// be relied on against an adversary, nor stored.
 class Hasher {
   public:
+    /// Combines a word. The order of the words counts.
     constexpr void combine(std::uint64_t word) noexcept { state_ = mixWords(state_, word); }
     /// Combines a text by its bytes and its length.
     constexpr void combine(std::string_view text) noexcept {
@@ -33,6 +34,7 @@ class Hasher {
         combine(word ^ (static_cast<std::uint64_t>(text.size()) << 56U));
         combine(text.size());
     }
+    /// The hash of all that was combined so far.
     [[nodiscard]] constexpr std::uint64_t result() const noexcept { return state_; }
 
   private:

@@ -10,9 +10,12 @@ namespace kestrel {
 /// may be taken again once its object is gone.
 class ObjectIdentifier {
   public:
+    /// Of the object at that address.
     explicit ObjectIdentifier(const void* object) noexcept : word_(reinterpret_cast<std::uintptr_t>(object)) {}
+    /// From a word that `word` gave.
     constexpr explicit ObjectIdentifier(std::uintptr_t word) noexcept : word_(word) {}
 
+    /// The address as a number.
     [[nodiscard]] constexpr std::uintptr_t word() const noexcept { return word_; }
     /// "ObjectIdentifier(0x" + sixteen lower-case hexadecimal digits + ")".
     [[nodiscard]] std::string description() const;

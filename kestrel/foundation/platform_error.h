@@ -18,6 +18,7 @@ struct PlatformError {
 
     /// Who counts the codes: "KestrelService.LoginError", "g-io-error-quark", "HTTP".
     std::string domain{};
+    /// A number that the domain gives the error; only together with the domain does it say anything.
     std::int64_t code{};
     /// One sentence; never empty for errors of this library.
     std::string localizedDescription{};
@@ -25,6 +26,7 @@ struct PlatformError {
     std::optional<std::string> localizedRecoverySuggestion{};
     /// Why it happened.
     std::optional<std::string> localizedFailureReason{};
+    /// Further values by their names, which are the domain's choice.
     std::map<std::string, Value, std::less<>> userInfo{};
 
     friend bool operator==(const PlatformError&, const PlatformError&) = default;

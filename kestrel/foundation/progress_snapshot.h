@@ -7,6 +7,7 @@ namespace kestrel {
 
 /// How far something long has come, at one moment: a copy of the state of whatever counts the work.
 struct ProgressSnapshot {
+    /// How much is done, in units of whoever counts: bytes, records.
     std::int64_t completedUnitCount{};
     /// Zero or less when the amount of work is not known.
     std::int64_t totalUnitCount{};

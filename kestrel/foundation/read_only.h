@@ -16,12 +16,15 @@ class CodingAccess;
 template <class T, class Owner>
 class ReadOnly {
   public:
+    /// What is held.
     using Value = T;
+    /// Whether the value is an optional, so that it reads as one.
     static constexpr bool isOptional = requires(const T& value) {
         value.has_value();
         typename T::value_type;
     };
 
+    /// From the plain value.
     // NOLINTNEXTLINE(google-explicit-constructor): an initialiser gives the plain value.
     constexpr ReadOnly(T value) : value_(std::move(value)) {}
     /// From whatever makes a value without a cast, such as a primary key for an identifier.
@@ -37,8 +40,10 @@ class ReadOnly {
     ReadOnly(ReadOnly&&) = default;
     ~ReadOnly() = default;
 
+    /// Valid as long as the member.
     // NOLINTNEXTLINE(google-explicit-constructor): reads as the plain value.
     [[nodiscard]] constexpr operator const T&() const noexcept { return value_; }
+    /// The value itself: of an optional, the optional. Valid as long as the member.
     [[nodiscard]] constexpr const T& get() const noexcept { return value_; }
     /// The value; of an optional, what it holds.
     [[nodiscard]] constexpr const auto& operator*() const noexcept {
@@ -48,17 +53,21 @@ class ReadOnly {
             return value_;
         }
     }
+    /// Reaches into the value; of an optional, into what it holds, which has to be there.
     [[nodiscard]] constexpr const auto* operator->() const noexcept { return &**this; }
+    /// Whether the optional holds something.
     [[nodiscard]] constexpr explicit operator bool() const noexcept
         requires(isOptional)
     {
         return value_.has_value();
     }
+    /// Whether the optional holds something.
     [[nodiscard]] constexpr bool has_value() const noexcept
         requires(isOptional)
     {
         return value_.has_value();
     }
+    /// What the optional holds, or the given value when it holds nothing.
     template <class U>
     [[nodiscard]] constexpr auto value_or(U&& otherwise) const
         requires(isOptional)
@@ -66,7 +75,9 @@ class ReadOnly {
         return value_.value_or(std::forward<U>(otherwise));
     }
 
+    /// Equal when the values are.
     friend constexpr bool operator==(const ReadOnly& a, const ReadOnly& b) { return a.value_ == b.value_; }
+    /// With the plain value.
     friend constexpr bool operator==(const ReadOnly& a, const T& b) { return a.value_ == b; }
     /// With whatever the value compares with: a literal, an absent value.
     template <class U>

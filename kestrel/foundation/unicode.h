@@ -7,7 +7,9 @@ namespace kestrel {
 
 /// A code point of a UTF-8 text, and the bytes that it takes there.
 struct CodePoint {
+    /// The code point; U+FFFD for a byte that is part of none.
     char32_t value{};
+    /// In bytes, 1 to 4.
     std::size_t size{};
 
     friend constexpr bool operator==(const CodePoint&, const CodePoint&) = default;

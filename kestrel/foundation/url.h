@@ -14,6 +14,7 @@ class URL {
     /// written in small letters. Everything else stays as it is.
     [[nodiscard]] static std::optional<URL> parse(std::string_view text);
 
+    /// The URL as it is written; ASCII only. Valid as long as the value.
     [[nodiscard]] const std::string& text() const noexcept { return text_; }
     /// In small letters, without the colon.
     [[nodiscard]] std::string_view scheme() const noexcept {

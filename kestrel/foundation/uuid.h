@@ -14,6 +14,7 @@ namespace kestrel {
 /// texts.
 class UUID {
   public:
+    /// The most significant byte first.
     using Bytes = std::array<std::uint8_t, 16>;
 
     /// All zero.
@@ -29,8 +30,11 @@ class UUID {
 
     /// The standard form: 36 characters, upper-case hexadecimal, hyphenated.
     [[nodiscard]] std::string text() const;
+    /// All sixteen, as the text spells them.
     [[nodiscard]] Bytes bytes() const noexcept;
+    /// The first eight bytes as a big-endian word.
     [[nodiscard]] constexpr std::uint64_t high() const noexcept { return high_; }
+    /// The last eight bytes as a big-endian word.
     [[nodiscard]] constexpr std::uint64_t low() const noexcept { return low_; }
 
     friend constexpr auto operator<=>(const UUID&, const UUID&) = default;

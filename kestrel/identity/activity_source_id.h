@@ -17,6 +17,8 @@ class ActivitySourceID
   public:
     using Coded = void;
 
+    ///@{
+    /// The record of that identifier.
     [[nodiscard]] static ActivitySourceID contact(ObjectID<Contact> id) { return ActivitySourceID(id); }
     [[nodiscard]] static ActivitySourceID company(ObjectID<Company> id) { return ActivitySourceID(id); }
     [[nodiscard]] static ActivitySourceID task(ObjectID<Task> id) { return ActivitySourceID(id); }
@@ -26,6 +28,7 @@ class ActivitySourceID
     [[nodiscard]] static ActivitySourceID note(ObjectID<Note> id) { return ActivitySourceID(id); }
     [[nodiscard]] static ActivitySourceID email(ObjectID<Email> id) { return ActivitySourceID(id); }
     [[nodiscard]] static ActivitySourceID form(ObjectID<Form> id) { return ActivitySourceID(id); }
+    ///@}
 
     [[nodiscard]] std::optional<ObjectID<Contact>> contact() const { return payload<ObjectID<Contact>>(); }
     [[nodiscard]] std::optional<ObjectID<Company>> company() const { return payload<ObjectID<Company>>(); }

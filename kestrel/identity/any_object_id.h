@@ -16,12 +16,16 @@ namespace kestrel {
 /// A small value: the name is static text that lives as long as the program, never a copy.
 class AnyObjectID {
   public:
+    /// The identifier without its type. Any typed one converts.
     template <class T>
     // NOLINTNEXTLINE(google-explicit-constructor): erasing the type loses no value.
     constexpr AnyObjectID(const ObjectID<T>& id) noexcept : entity_(&entityOf<T>), storage_(id.storage()) {}
 
+    /// That of the record type, of the register or of the type itself.
     [[nodiscard]] constexpr std::string_view entityName() const noexcept { return entity_->name; }
+    /// What it says of its record. Valid as long as the value.
     [[nodiscard]] constexpr const ObjectIDStorage& objectIDStorage() const noexcept { return storage_; }
+    /// That of a saved record; absent for any other one.
     [[nodiscard]] constexpr std::optional<std::int64_t> primaryKey() const noexcept { return storage_.persistent(); }
     /// The typed identifier again, when it is one of a `T`.
     template <class T>
@@ -36,13 +40,16 @@ class AnyObjectID {
     /// for any other text.
     [[nodiscard]] static std::optional<AnyObjectID> parse(std::string_view text);
 
+    /// Combines what equality compares.
     constexpr void hash(Hasher& hasher) const noexcept {
         hasher.combine(entity_->hash);
         storage_.hash(hasher);
     }
+    /// The same entity and the same storage.
     friend constexpr bool operator==(const AnyObjectID& a, const AnyObjectID& b) noexcept {
         return a.storage_ == b.storage_ && (a.entity_ == b.entity_ || a.entity_->name == b.entity_->name);
     }
+    /// By the entity's name, then by the storage.
     friend constexpr std::strong_ordering operator<=>(const AnyObjectID& a, const AnyObjectID& b) noexcept {
         if (a.entity_ != b.entity_) {
             if (const auto order = a.entity_->name <=> b.entity_->name; order != 0) return order;

@@ -14,9 +14,11 @@ namespace kestrel {
 struct AppointmentOccurrenceTarget {
     using Coded = void;
 
+    /// The series.
     ReadOnly<ObjectID<Timeblock>, AppointmentOccurrenceTarget> parentID;
     /// The occurrence's start.
     ReadOnly<Date, AppointmentOccurrenceTarget> startDate{};
+    /// Which occurrences an edit by way of the link applies to.
     ReadOnly<OccurrenceEditScope, AppointmentOccurrenceTarget> editScope{};
 
     friend bool operator==(const AppointmentOccurrenceTarget&, const AppointmentOccurrenceTarget&) = default;
@@ -34,13 +36,18 @@ class LinkTarget
                     ObjectID<Form>, ObjectID<FileAttachment>, ObjectID<URLReference>> {
   public:
     using Coded = void;
+    /// The payload of the case of that name.
     using AppointmentOccurrence = AppointmentOccurrenceTarget;
 
+    /// An appointment, or a repeating one as a whole.
     [[nodiscard]] static LinkTarget appointment(ObjectID<Timeblock> id) { return LinkTarget(id); }
+    /// One occurrence of a repeating appointment.
     [[nodiscard]] static LinkTarget appointmentOccurrence(ObjectID<Timeblock> parentID, Date startDate,
                                                           OccurrenceEditScope editScope) {
         return LinkTarget(AppointmentOccurrence{parentID, startDate, editScope});
     }
+    ///@{
+    /// The record of that identifier.
     [[nodiscard]] static LinkTarget contact(ObjectID<Contact> id) { return LinkTarget(id); }
     [[nodiscard]] static LinkTarget company(ObjectID<Company> id) { return LinkTarget(id); }
     [[nodiscard]] static LinkTarget email(ObjectID<Email> id) { return LinkTarget(id); }
@@ -51,6 +58,7 @@ class LinkTarget
     [[nodiscard]] static LinkTarget form(ObjectID<Form> id) { return LinkTarget(id); }
     [[nodiscard]] static LinkTarget file(ObjectID<FileAttachment> id) { return LinkTarget(id); }
     [[nodiscard]] static LinkTarget urlReference(ObjectID<URLReference> id) { return LinkTarget(id); }
+    ///@}
 
     [[nodiscard]] std::optional<ObjectID<Timeblock>> appointment() const { return payload<ObjectID<Timeblock>>(); }
     [[nodiscard]] std::optional<AppointmentOccurrence> appointmentOccurrence() const {

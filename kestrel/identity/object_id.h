@@ -23,38 +23,52 @@ namespace kestrel {
 /// UUID.
 class ObjectIDStorage {
   public:
-    enum class Case : std::uint8_t { persistent, new_, temp };
+    /// Whether there is a record in the store.
+    enum class Case : std::uint8_t {
+        persistent,  ///< saved, with a primary key
+        new_,        ///< not saved, with a UUID
+        temp         ///< tied to an object in memory
+    };
 
+    /// Of a saved record. Every key is one, negative ones and 0 too.
     [[nodiscard]] static constexpr ObjectIDStorage persistent(std::int64_t primaryKey) noexcept {
         return {Case::persistent, static_cast<std::uint64_t>(primaryKey), 0};
     }
+    /// Of a record that is not yet saved.
     [[nodiscard]] static constexpr ObjectIDStorage new_(UUID uuid) noexcept {
         return {Case::new_, uuid.high(), uuid.low()};
     }
+    /// Of an object in memory, as long as it lives.
     [[nodiscard]] static constexpr ObjectIDStorage temp(ObjectIdentifier identity) noexcept {
         return {Case::temp, identity.word(), 0};
     }
 
+    /// Which of the three it is.
     [[nodiscard]] constexpr Case which() const noexcept { return case_; }
+    /// The primary key; absent unless saved.
     [[nodiscard]] constexpr std::optional<std::int64_t> persistent() const noexcept {
         if (case_ != Case::persistent) return std::nullopt;
         return static_cast<std::int64_t>(first_);
     }
+    /// The UUID; absent unless new.
     [[nodiscard]] constexpr std::optional<UUID> new_() const noexcept {
         if (case_ != Case::new_) return std::nullopt;
         return UUID(first_, second_);
     }
+    /// The object's identity; absent unless temporary.
     [[nodiscard]] constexpr std::optional<ObjectIdentifier> temp() const noexcept {
         if (case_ != Case::temp) return std::nullopt;
         return ObjectIdentifier(static_cast<std::uintptr_t>(first_));
     }
 
+    /// Combines what equality compares.
     constexpr void hash(Hasher& hasher) const noexcept {
         hasher.combine(static_cast<std::uint64_t>(case_));
         hasher.combine(first_);
         if (case_ == Case::new_) hasher.combine(second_);
     }
     friend constexpr bool operator==(const ObjectIDStorage&, const ObjectIDStorage&) = default;
+    /// Persistent, then temp, then new; within a case by the payload.
     friend constexpr std::strong_ordering operator<=>(const ObjectIDStorage& a, const ObjectIDStorage& b) noexcept {
         if (a.case_ != b.case_) return a.rank() <=> b.rank();
         if (a.case_ == Case::persistent)
@@ -97,6 +111,7 @@ concept ObjectIDProtocol = requires(const ID& id) {
 template <class T>
 class ObjectID {
   public:
+    /// What it identifies.
     using Record = T;
     using Coded = void;
 
@@ -111,11 +126,14 @@ class ObjectID {
     // NOLINTNEXTLINE(google-explicit-constructor): an integer literal is an identifier.
     constexpr ObjectID(I primaryKey) noexcept
         : storage_(ObjectIDStorage::persistent(static_cast<std::int64_t>(primaryKey))) {}
+    /// With what another identifier says of its record.
     explicit constexpr ObjectID(ObjectIDStorage storage) noexcept : storage_(storage) {}
 
+    /// What it says of its record. Valid as long as the value.
     [[nodiscard]] constexpr const ObjectIDStorage& storage() const noexcept { return storage_; }
     /// The primary key of a saved record.
     [[nodiscard]] constexpr std::optional<std::int64_t> value() const noexcept { return storage_.persistent(); }
+    /// Whether the record is saved: then the identifier has a keyed form.
     [[nodiscard]] constexpr bool isPersistent() const noexcept {
         return storage_.which() == ObjectIDStorage::Case::persistent;
     }
@@ -127,10 +145,14 @@ class ObjectID {
     /// "Contact/42", "Contact/new/UUID)", "Contact/temp/IDENTITY)", with the entity's name in front. The closing
     /// parentheses belong to the text.
     [[nodiscard]] std::string stringValue() const;
+    /// As stringValue().
     [[nodiscard]] std::string debugOutput() const { return stringValue(); }
+    /// As stringValue().
     [[nodiscard]] std::string debugDescription() const { return stringValue(); }
 
+    /// The same case with the same payload.
     friend constexpr bool operator==(const ObjectID& a, const ObjectID& b) noexcept { return a.storage_ == b.storage_; }
+    /// As ObjectIDStorage is ordered.
     friend constexpr std::strong_ordering operator<=>(const ObjectID& a, const ObjectID& b) noexcept {
         return a.storage_ <=> b.storage_;
     }

@@ -14,7 +14,9 @@ namespace kestrel {
 struct TimeblockOccurrence {
     using Coded = void;
 
+    /// The series.
     ReadOnly<ObjectID<Timeblock>, TimeblockOccurrence> parentID;
+    /// When the occurrence starts by the rule of repetition.
     ReadOnly<Date, TimeblockOccurrence> startDate{};
 
     friend bool operator==(const TimeblockOccurrence&, const TimeblockOccurrence&) = default;
@@ -26,7 +28,9 @@ extern template struct Codec<TimeblockOccurrence>;
 struct EventOccurrence {
     using Coded = void;
 
+    /// As the calendar of the host identifies the event.
     ReadOnly<std::string, EventOccurrence> eventID{};
+    /// When the occurrence starts.
     ReadOnly<Date, EventOccurrence> startDate{};
 
     friend bool operator==(const EventOccurrence&, const EventOccurrence&) = default;
@@ -39,15 +43,20 @@ class AppointmentID
     : public Choice<AppointmentID, ObjectID<Timeblock>, TimeblockOccurrence, std::string, EventOccurrence> {
   public:
     using Coded = void;
+    /// The payload of the case of that name.
     using TimeblockOccurrence = kestrel::TimeblockOccurrence;
+    /// The payload of the case of that name.
     using EventOccurrence = kestrel::EventOccurrence;
 
     /// A stored appointment that does not repeat, or a repeating one as a whole.
     [[nodiscard]] static AppointmentID timeblock(ObjectID<Timeblock> timeblockID) { return AppointmentID(timeblockID); }
+    /// One occurrence of a stored appointment that repeats.
     [[nodiscard]] static AppointmentID timeblockOccurrence(ObjectID<Timeblock> parentID, Date startDate) {
         return AppointmentID(TimeblockOccurrence{parentID, startDate});
     }
+    /// An event of the host's calendar that does not repeat, or a repeating one as a whole.
     [[nodiscard]] static AppointmentID event(std::string eventID) { return AppointmentID(std::move(eventID)); }
+    /// One occurrence of an event of the host's calendar that repeats.
     [[nodiscard]] static AppointmentID eventOccurrence(std::string eventID, Date startDate) {
         return AppointmentID(EventOccurrence{std::move(eventID), startDate});
     }
@@ -74,7 +83,9 @@ extern template struct Codec<AppointmentID>;
 struct TaskOccurrence {
     using Coded = void;
 
+    /// The series.
     ReadOnly<ObjectID<Task>, TaskOccurrence> parentID;
+    /// When the occurrence is due.
     ReadOnly<Date, TaskOccurrence> dueDate{};
 
     friend bool operator==(const TaskOccurrence&, const TaskOccurrence&) = default;
@@ -85,16 +96,19 @@ extern template struct Codec<TaskOccurrence>;
 class TaskID : public Choice<TaskID, ObjectID<Task>, TaskOccurrence> {
   public:
     using Coded = void;
+    /// The payload of the case of that name.
     using TaskOccurrence = kestrel::TaskOccurrence;
 
     /// A task, or a repeating one as a whole.
     [[nodiscard]] static TaskID task(ObjectID<Task> taskID) { return TaskID(taskID); }
+    /// One occurrence of a repeating task.
     [[nodiscard]] static TaskID taskOccurrence(ObjectID<Task> parentID, Date dueDate) {
         return TaskID(TaskOccurrence{parentID, dueDate});
     }
 
     [[nodiscard]] std::optional<ObjectID<Task>> task() const { return payload<ObjectID<Task>>(); }
     [[nodiscard]] std::optional<TaskOccurrence> taskOccurrence() const { return payload<TaskOccurrence>(); }
+    /// Whether it is one occurrence of a repeating task.
     [[nodiscard]] bool isRepeating() const noexcept { return caseIndex() == 1; }
     /// The task as a link's target; of an occurrence the series, without the date.
     [[nodiscard]] LinkTarget linkTarget() const;

@@ -12,7 +12,9 @@ class PipelineBoardObjectID : public Choice<PipelineBoardObjectID, ObjectID<Proj
   public:
     using Coded = void;
 
+    /// A card of a board of projects.
     [[nodiscard]] static PipelineBoardObjectID project(ObjectID<Project> id) { return PipelineBoardObjectID(id); }
+    /// A card of a board of opportunities.
     [[nodiscard]] static PipelineBoardObjectID opportunity(ObjectID<Opportunity> id) {
         return PipelineBoardObjectID(id);
     }

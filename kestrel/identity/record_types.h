@@ -13,12 +13,16 @@ namespace kestrel {
 /// calls organisations, and for the type-erased records.
 template <class Record>
 struct RecordNames {
+    /// The record type, which need not be complete.
     using Type = Record;
 
+    /// In keyed identifiers: "Company".
     std::string_view recordName;
+    /// In the store and in the text of identifiers: "Organization". The record name, unless given.
     std::string_view entityName{recordName};
 };
 
+/// Record types by their names. The library has one, `recordTypes`.
 template <class... Entries>
 struct RecordRegister : Entries... {
     /// Calls `visit` with the names of every record type, in alphabetical order of the types.
@@ -26,12 +30,15 @@ struct RecordRegister : Entries... {
     constexpr void forEach(Visitor&& visit) const {
         (visit(static_cast<const Entries&>(*this)), ...);
     }
+    /// Whether the type is registered.
     template <class Record>
     static constexpr bool contains = (std::is_same_v<Record, typename Entries::Type> || ...);
 };
+/// Of these record types.
 template <class... Entries>
 RecordRegister(Entries...) -> RecordRegister<Entries...>;
 
+/// The record types of the library, in alphabetical order.
 inline constexpr RecordRegister recordTypes{
     RecordNames<struct AlertObject>{"AlertObject"},
     RecordNames<struct AnyElectronicAddress>{"AnyElectronicAddress", "ElectronicAddress"},
@@ -90,6 +97,7 @@ inline constexpr RecordRegister recordTypes{
     RecordNames<struct VisibilityPreset>{"VisibilityPreset"},
 };
 
+/// A record type of the library.
 template <class T>
 concept RegisteredRecord = decltype(recordTypes)::contains<T>;
 

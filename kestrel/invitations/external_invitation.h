@@ -22,9 +22,11 @@ struct ExternalInvitation {
     std::optional<Date> createDate{};
     /// The body that the user wrote.
     std::optional<std::string> emailMessage{};
+    /// The title of the mail, as the user wrote it.
     std::optional<std::string> emailSubject{};
     /// The sequence number in the calendar file of this mail.
     std::int64_t icsSequence{};
+    /// What the mail says.
     ExternalInvitationType invitationType{};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};
@@ -32,19 +34,29 @@ struct ExternalInvitation {
     bool sendToAllRecipients{};
     /// Whether sending is finished.
     ExternalInvitationStatus status{};
-    /// The appointment, here and below, as it was when the mail went out.
+    /// Timeblock::isAllDay. The appointment, here and below, is as it was when the mail went out.
     bool timeblockAllDay{};
+    /// When the appointment was created.
     std::optional<Date> timeblockCreateDate{};
     /// The appointment's calendar identifier, shared with the calendar file.
     std::optional<std::string> timeblockDAVIdentifier{};
+    /// Timeblock::details.
     std::optional<std::string> timeblockDetails{};
+    /// Timeblock::endDate.
     std::optional<Date> timeblockEndDate{};
+    /// Timeblock::location.
     std::optional<std::string> timeblockLocation{};
+    /// When the appointment was last changed.
     std::optional<Date> timeblockModifyDate{};
+    /// Timeblock::showAsBusy.
     bool timeblockShowAsBusy{};
+    /// Timeblock::startDate.
     std::optional<Date> timeblockStartDate{};
+    /// The raw value of its TimeblockStatus.
     std::int64_t timeblockStatusCode{};
+    /// Timeblock::subject.
     std::optional<std::string> timeblockSubject{};
+    /// Timeblock::timeZoneName.
     std::optional<std::string> timeblockTimeZoneName{};
 
     [[nodiscard]] const ObjectID<ExternalInvitation>& objectID() const noexcept { return externalInvitationID.get(); }

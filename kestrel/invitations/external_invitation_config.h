@@ -28,7 +28,9 @@ struct ExternalInvitationConfig {
     std::optional<Date> modifyDate{};
     /// The region whose forms dates and times have.
     std::optional<std::string> regionCode{};
+    /// The name beside the address that answers go to.
     std::optional<std::string> replyToCommonName{};
+    /// The address that answers go to; absent when none was set.
     std::optional<std::string> replyToEmailAddress{};
 
     [[nodiscard]] const ObjectID<ExternalInvitationConfig>& objectID() const noexcept {

@@ -21,9 +21,11 @@ struct ExternalInvitationRecipient {
     std::optional<std::string> commonName{};
     /// When the record was created.
     std::optional<Date> createDate{};
+    /// Where the mail goes.
     std::string emailAddress{};
     /// Why sending failed.
     MeetingInviteErrorCode errorCode{};
+    /// Whether the invitee had to come at the time of sending.
     MeetingInviteParticipationRole inviteParticipationRole{};
     /// The answer at the time of sending.
     MeetingInviteResponseStatus inviteResponseStatus{};
@@ -35,6 +37,7 @@ struct ExternalInvitationRecipient {
     std::optional<Date> modifyDate{};
     /// When the mail was sent.
     std::optional<Date> sendDate{};
+    /// Where sending stands.
     ExternalInvitationRecipientStatus status{};
 
     [[nodiscard]] const ObjectID<ExternalInvitationRecipient>& objectID() const noexcept {

@@ -28,6 +28,7 @@ struct MeetingHistory {
     std::optional<std::int64_t> deletionUserID{};
     /// How the answer arrived.
     MeetingHistoryExternalSource externalSource{};
+    /// Who has answered.
     MeetingInviteType inviteType{};
     /// The comment sent with the answer.
     std::optional<std::string> note{};

@@ -26,13 +26,19 @@ struct MeetingInvite {
     std::optional<std::string> deletionIdentifier{};
     /// Key of the user who deleted it.
     std::optional<std::int64_t> deletionUserID{};
+    /// Where mail to the invitee goes; absent when none is known.
     std::optional<std::string> emailAddress{};
     /// Why sending failed last.
     MeetingInviteErrorCode errorCode{};
+    /// Who the invitee is.
     MeetingInviteType inviteType{};
+    /// What is noted about the invitee.
     std::optional<std::string> note{};
+    /// Whether the invitee has to come.
     MeetingInviteParticipationRole participationRole{};
+    /// What the invitee answered.
     MeetingInviteResponseStatus responseStatus{};
+    /// Where sending to the invitee stands.
     MeetingInviteSendingStatus sendingStatus{};
     /// The store's code.
     std::int64_t statusCode{};

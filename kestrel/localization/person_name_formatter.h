@@ -36,50 +36,71 @@ enum class PersonNameField : std::uint8_t {
 
 /// A choice of fields.
 struct PersonNameFields {
+    /// A bit for each field, that of the first one being the lowest.
     std::uint8_t bits{};
 
+    /// None.
     constexpr PersonNameFields() noexcept = default;
+    /// That one alone.
     constexpr PersonNameFields(PersonNameField field) noexcept
         : bits(static_cast<std::uint8_t>(1U << static_cast<unsigned>(field))) {}
+    /// Every field.
     [[nodiscard]] static constexpr PersonNameFields all() noexcept {
         PersonNameFields fields;
         fields.bits = 0x7F;
         return fields;
     }
+    /// Whether the field is among them.
     [[nodiscard]] constexpr bool contains(PersonNameField field) const noexcept {
         return (bits & PersonNameFields(field).bits) != 0;
     }
 
+    /// Those of either.
     friend constexpr PersonNameFields operator|(PersonNameFields a, PersonNameFields b) noexcept {
         a.bits |= b.bits;
         return a;
     }
     friend constexpr bool operator==(PersonNameFields, PersonNameFields) = default;
 };
+/// Both.
 [[nodiscard]] constexpr PersonNameFields operator|(PersonNameField a, PersonNameField b) noexcept {
     return PersonNameFields(a) | PersonNameFields(b);
 }
 
+/// Which name comes first.
 enum class PersonNameOrder : std::uint8_t {
     givenFirst,    ///< "Ada Lovelace"
     surnameFirst,  ///< "Lovelace Ada"
     sorting,       ///< "Lovelace, Ada": for lists in the order of family names
 };
-enum class PersonNameLength : std::uint8_t { long_, medium, short_ };
+/// How much of a name is given.
+enum class PersonNameLength : std::uint8_t {
+    long_,   ///< all that the patterns know of
+    medium,  ///< the usual form
+    short_   ///< the shortest form, often with initials
+};
+/// What the name is for.
 enum class PersonNameUsage : std::uint8_t {
     referring,   ///< speaking about the person
     addressing,  ///< speaking to the person; sorting has only `referring` and takes it for this
     monogram,    ///< "AL"; likewise
 };
-enum class PersonNameFormality : std::uint8_t { formal, informal };
+/// How the person is spoken of.
+enum class PersonNameFormality : std::uint8_t {
+    formal,   ///< with title and family name where the language does so
+    informal  ///< as friends say
+};
 
 /// A name to be formatted, in UTF-8. Members that are empty are absent, and white space around a text does not count.
 /// The texts are only looked at during the call.
 struct PersonName {
+    /// PersonNameField::title.
     std::string_view title{};
+    /// PersonNameField::given.
     std::string_view given{};
     /// What friends say; informal patterns prefer it: "Bertie"
     std::string_view givenInformal{};
+    /// PersonNameField::given2.
     std::string_view given2{};
     /// The whole family name. When it is absent it is made of its two parts.
     std::string_view surname{};
@@ -87,8 +108,11 @@ struct PersonName {
     std::string_view surnamePrefix{};
     /// The rest of it: "Berg"
     std::string_view surnameCore{};
+    /// PersonNameField::surname2.
     std::string_view surname2{};
+    /// PersonNameField::generation.
     std::string_view generation{};
+    /// PersonNameField::credentials.
     std::string_view credentials{};
     /// The language of the name, as BCP 47 or POSIX: "ja", "de-AT". When it is absent, a name in a script of the
     /// formatter's language is taken for one of that language, and any other for one of the language that is mostly
@@ -98,9 +122,11 @@ struct PersonName {
     std::optional<PersonNameOrder> preferredOrder{};
 };
 
+/// How a name is to be formatted. By default as the formatter's language finds usual when people are spoken of.
 struct PersonNameOptions {
     /// Absent: what the formatter's language finds usual.
     std::optional<PersonNameLength> length{};
+    /// What the name is for.
     PersonNameUsage usage = PersonNameUsage::referring;
     /// Absent: what the formatter's language finds usual.
     std::optional<PersonNameFormality> formality{};
@@ -113,16 +139,21 @@ struct PersonNameOptions {
     bool keepsSpacesOfFields = false;
 };
 
+/// A name as a text, and which field each part of it came of.
 struct FormattedPersonName {
     /// The text that came of one field: positions and lengths count bytes.
     struct Run {
+        /// The field.
         PersonNameField field{};
+        /// In bytes, from 0.
         std::size_t start{};
+        /// In bytes; not 0.
         std::size_t length{};
 
         friend bool operator==(const Run&, const Run&) = default;
     };
 
+    /// In UTF-8. Empty when the name has no field that the patterns show.
     std::string text{};
     /// In order, apart from each other, not empty. What lies between them came of the pattern.
     std::vector<Run> runs{};
@@ -147,6 +178,7 @@ class PersonNameFormatter {
     /// the library has texts in it; "C" and "POSIX" mean English.
     explicit PersonNameFormatter(std::string_view locale = {});
 
+    /// The name as a text. Some microseconds; what is given is not looked at afterwards.
     [[nodiscard]] FormattedPersonName format(const PersonName& name, const PersonNameOptions& options = {}) const;
 
     /// What was found for the locale: "de" for "de-AT", "en" where there is nothing nearer.

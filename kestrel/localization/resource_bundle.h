@@ -32,6 +32,7 @@ class ResourceBundle {
   public:
     ResourceBundle() = delete;
 
+    /// The name of the folder without ".bundle", and that of each catalogue.
     static constexpr std::string_view identifier = "com.fenwick.KestrelService";
 
     /// The language in which the texts are written in the sources, and the last resort of every choice.

@@ -32,6 +32,7 @@ struct Category {
     bool isActive{true};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};
+    /// What users call the category.
     std::optional<std::string> name{};
     /// Position in pick lists.
     std::int64_t order{};

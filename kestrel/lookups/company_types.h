@@ -29,6 +29,7 @@ struct CompanyType {
     bool isActive{true};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};
+    /// What users call the kind.
     std::optional<std::string> name{};
     /// Position in pick lists.
     std::int64_t order{};
@@ -57,6 +58,7 @@ struct IndustryType {
     bool isActive{true};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};
+    /// What users call the industry.
     std::optional<std::string> name{};
     /// Position in pick lists.
     std::int64_t order{};
@@ -85,6 +87,7 @@ struct RegionType {
     bool isActive{true};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};
+    /// What users call the region.
     std::optional<std::string> name{};
     /// Position in pick lists.
     std::int64_t order{};

@@ -29,6 +29,7 @@ struct Keyword {
     bool isActive{true};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};
+    /// The keyword itself.
     std::optional<std::string> name{};
     /// Position in pick lists.
     std::int64_t order{};

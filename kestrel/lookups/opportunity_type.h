@@ -29,6 +29,7 @@ struct OpportunityType {
     bool isActive{true};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};
+    /// What users call the kind.
     std::optional<std::string> name{};
     /// Position in pick lists.
     std::int64_t order{};

@@ -26,6 +26,7 @@ struct Team {
     std::optional<std::string> deletionIdentifier{};
     /// Key of the user who deleted it.
     std::optional<std::int64_t> deletionUserID{};
+    /// What the team is for, as users describe it.
     std::optional<std::string> details{};
     /// Whether it may be given new access.
     bool isActive{true};
@@ -33,6 +34,7 @@ struct Team {
     bool isUserPrivateTeam{};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};
+    /// What users call the team.
     std::optional<std::string> name{};
     /// Position in pick lists.
     std::int64_t order{};

@@ -26,7 +26,9 @@ struct User {
     std::optional<std::string> deletionIdentifier{};
     /// Key of the user who deleted it.
     std::optional<std::int64_t> deletionUserID{};
+    /// The address under which the user gets mail.
     std::optional<std::string> email{};
+    /// The given name.
     std::optional<std::string> firstName{};
     /// Whether the user may sign in.
     bool isActive{true};
@@ -36,13 +38,17 @@ struct User {
     bool isRestrictedToDeleteObjects{};
     /// A super user: a restriction on deleting does not apply.
     bool isSuper{};
+    /// What the user does in the company.
     std::optional<std::string> jobTitle{};
+    /// When the user signed in last; absent when that is not known.
     std::optional<Date> lastLoginDate{};
+    /// The family name.
     std::optional<std::string> lastName{};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};
     /// The name to show.
     std::optional<std::string> name{};
+    /// The number under which the user can be called, as it was written.
     std::optional<std::string> phone{};
     /// The identifier of the time zone the user works in.
     std::optional<std::string> timeZoneName{};

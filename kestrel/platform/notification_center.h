@@ -18,6 +18,7 @@ class NotificationObject {
 
 /// Something happened, within this process.
 struct Notification {
+    /// What happened.
     std::string name{};
     /// What it happened to; null when the notification says nothing about that. Good until `post` returns: not behind
     /// `receiveOn`, and not to be kept.
@@ -28,7 +29,9 @@ struct Notification {
 /// on the thread that posts it, before `post` returns; a listener hears one at a time.
 class NotificationCenter {
   public:
+    /// Nobody listens yet.
     NotificationCenter();
+    /// Lets go who listens.
     ~NotificationCenter();
     NotificationCenter(const NotificationCenter&) = delete;
     NotificationCenter& operator=(const NotificationCenter&) = delete;
@@ -36,6 +39,7 @@ class NotificationCenter {
     /// The one that the platform's parts use. Lives as long as the process.
     [[nodiscard]] static NotificationCenter& standard();
 
+    /// Tells those who listen for that name, or for that name and object, before it returns.
     void post(std::string_view name, const NotificationObject* object = nullptr) const;
     /// The notifications of that name from now on, without end; of any object.
     [[nodiscard]] AnyPublisher<Notification> notifications(std::string_view name) const;

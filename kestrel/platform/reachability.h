@@ -16,9 +16,11 @@ class ReachabilityProtocol : public NotificationObject {
     [[nodiscard]] virtual std::int64_t currentReachabilityStatus() const = 0;
     /// Starts watching. False when it cannot.
     [[nodiscard]] virtual bool startNotifier() = 0;
+    /// Stops watching; nothing when it does not watch.
     virtual void stopNotifier() = 0;
 };
 
+/// The name of the notification; it is about the source.
 inline constexpr std::string_view kReachabilityChangedNotification = "ReachabilityChanged";
 
 }  // namespace kestrel

@@ -62,10 +62,14 @@ struct GeocodingServer {
 /// A geocoder that asks the server that the preference "GeocodingServer" of the standard user defaults names at that
 /// moment. Without one each geocode fails, and says so.
 [[nodiscard]] std::unique_ptr<GeocoderProtocol> makeGeocoder();
+/// The name of that preference, a text: the base URL of the server.
 inline constexpr std::string_view geocodingServerKey = "GeocodingServer";
 
+/// The applications of the desktop. One for the process.
 [[nodiscard]] std::shared_ptr<Workspace> workspace();
+/// The desktop's maps. One for the process.
 [[nodiscard]] std::shared_ptr<MapApplication> mapApplication();
+/// The desktop's notifications. One for the process.
 [[nodiscard]] std::shared_ptr<UserNotificationCenter> userNotificationCenter();
 /// A new source of reachability.
 [[nodiscard]] std::shared_ptr<ReachabilityProtocol> makeReachability();

@@ -28,8 +28,11 @@ struct SystemFinding {
     friend bool operator==(const SystemFinding&, const SystemFinding&) = default;
 };
 
+/// All that was found, at one moment.
 struct SystemReport {
+    /// Who the program is to the desktop.
     ApplicationIdentity application{};
+    /// What the user has allowed it.
     NotificationSettings notificationSettings{};
     /// As ReachabilityProtocol counts.
     std::int64_t reachabilityStatus{};

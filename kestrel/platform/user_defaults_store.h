@@ -33,18 +33,21 @@ class UserDefaultsStore : public NotificationObject {
     /// The names for which something is stored, in the order of their bytes.
     [[nodiscard]] virtual std::vector<std::string> keys() const = 0;
 
-    // What is stored, as a number: absent, a text that is no decimal number, data, a date or a URL read as zero.
-    // Numbers are kept within the range of the type; as an integer they are rounded towards zero, and what is no number
-    // is 0. Booleans are 0 and 1.
+    ///@{
+    /// What is stored, as a number: absent, a text that is no decimal number, data, a date or a URL read as zero.
+    /// Numbers are kept within the range of the type; as an integer they are rounded towards zero, and what is no
+    /// number is 0. Booleans are 0 and 1.
     [[nodiscard]] std::int64_t integer(std::string_view key) const;
     [[nodiscard]] double doubleValue(std::string_view key) const;
     [[nodiscard]] float floatValue(std::string_view key) const;
+    ///@}
     /// Any number but zero is true, and so are the texts "true", "yes" and "1", whatever the case; all else is false.
     [[nodiscard]] bool boolean(std::string_view key) const;
     /// A URL, or a text that is one; a text that starts with "/" is the URL of that file. Else absent.
     [[nodiscard]] std::optional<URL> url(std::string_view key) const;
 };
 
+/// The name of the notification; it is about the store.
 inline constexpr std::string_view userDefaultsDidChangeNotification = "UserDefaultsDidChange";
 
 }  // namespace kestrel

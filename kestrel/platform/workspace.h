@@ -13,6 +13,7 @@ namespace kestrel {
 /// The applications of the desktop. For use on the main thread.
 class Workspace {
   public:
+    /// Takes why the URL was not handed over; absent when it was.
     using CompletionHandler = std::move_only_function<void(std::optional<PlatformError> error)>;
 
     Workspace() = default;
@@ -29,6 +30,7 @@ class Workspace {
 
 /// A place to show on a map.
 struct MapItem {
+    /// Where the pin is.
     Placemark placemark{};
     /// What the pin says; the placemark's name when absent.
     std::optional<std::string> name{};

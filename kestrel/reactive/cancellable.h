@@ -10,10 +10,13 @@ namespace kestrel {
 /// without anything, does nothing.
 class AnyCancellable {
   public:
+    /// Nothing to cancel.
     AnyCancellable() = default;
     /// Calls `cancel` once.
     explicit AnyCancellable(std::move_only_function<void()> cancel) : cancel_(std::move(cancel)) {}
+    /// Takes over what is under way; the other one has nothing to cancel then.
     AnyCancellable(AnyCancellable&& other) noexcept : cancel_(std::exchange(other.cancel_, nullptr)) {}
+    /// Cancels what it had, and takes over what the other one has.
     AnyCancellable& operator=(AnyCancellable&& other) noexcept {
         if (this != &other) {
             cancel();
@@ -23,8 +26,10 @@ class AnyCancellable {
     }
     AnyCancellable(const AnyCancellable&) = delete;
     AnyCancellable& operator=(const AnyCancellable&) = delete;
+    /// Cancels.
     ~AnyCancellable() { cancel(); }
 
+    /// Ends what is under way. Doing it again does nothing.
     void cancel() {
         if (auto cancel = std::exchange(cancel_, nullptr)) cancel();
     }

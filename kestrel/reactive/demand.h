@@ -15,14 +15,18 @@ class Demand {
     constexpr Demand(std::int64_t count) : count_(count) {
         if (count < 0) fatal("A subscriber asked for a negative number of values.");
     }
+    /// Zero.
     [[nodiscard]] static constexpr Demand none() noexcept { return Demand(); }
+    /// Any number.
     [[nodiscard]] static constexpr Demand unlimited() noexcept {
         Demand demand;
         demand.count_ = any;
         return demand;
     }
 
+    /// Whether it is zero.
     [[nodiscard]] constexpr bool isNone() const noexcept { return count_ == 0; }
+    /// Whether it is any number.
     [[nodiscard]] constexpr bool isUnlimited() const noexcept { return count_ == any; }
     /// The number; absent when it is any number.
     [[nodiscard]] constexpr std::optional<std::int64_t> count() const noexcept {
@@ -30,10 +34,12 @@ class Demand {
         return count_;
     }
 
+    /// Adds so many.
     constexpr Demand& operator+=(Demand more) noexcept {
         if (isUnlimited() || more.isUnlimited() || __builtin_add_overflow(count_, more.count_, &count_)) count_ = any;
         return *this;
     }
+    /// The sum; any number when one of them is.
     friend constexpr Demand operator+(Demand a, Demand b) noexcept { return a += b; }
     /// Uses one up, if there is one; whether there was.
     constexpr bool take() noexcept {

@@ -130,13 +130,17 @@ class Emission final : public Subscription, public std::enable_shared_from_this<
 template <class Output, class Failure>
 class Emitter {
   public:
+    /// For `create`, which makes them.
     explicit Emitter(const std::shared_ptr<reactive_detail::Emission<Output, Failure>>& emission)
         : emission_(emission) {}
 
+    /// Sends a value; it waits until the subscriber asks for it, or with createUnbuffered is lost.
     void send(Output value) const {
         if (const auto emission = emission_.lock()) emission->send(std::move(value));
     }
+    /// Ends the subscriber behind the values that wait. Only the first end counts.
     void finish() const { end(Completion<Failure>::finished()); }
+    /// Ends the subscriber with a failure, behind the values that wait. Only the first end counts.
     void fail(Failure failure) const { end(Completion<Failure>::failed(std::move(failure))); }
     /// Whether nobody listens any more.
     [[nodiscard]] bool isCancelled() const {

@@ -113,11 +113,17 @@ template <class Output, class Failure>
 ///
 /// An exception that leaves it stops the program.
 struct DetachedCoroutine {
+    /// What the compiler asks of the type: start at once, and let go at the end.
     struct promise_type {
+        /// Gives back the empty result.
         DetachedCoroutine get_return_object() const noexcept { return {}; }
+        /// Starts at once.
         std::suspend_never initial_suspend() const noexcept { return {}; }
+        /// Lets the coroutine go at its end.
         std::suspend_never final_suspend() const noexcept { return {}; }
+        /// Has nothing to keep.
         void return_void() const noexcept {}
+        /// Stops the program through fatal().
         void unhandled_exception() const noexcept { fatal("An exception left a detached coroutine."); }
     };
 };

@@ -20,6 +20,7 @@ namespace kestrel {
 template <class Output, class Failure = Never>
 class PassThroughSubject {
   public:
+    /// Sends a value to all who are subscribed at that moment and have asked for one.
     void send(const Output& value) const {
         for (const auto& conduit : state_->conduits())
             conduit->send(value);
@@ -29,8 +30,10 @@ class PassThroughSubject {
         for (const auto& conduit : state_->end(completion))
             conduit->end(completion);
     }
+    /// Ends all subscribers without a failure.
     void finish() const { send(Completion<Failure>::finished()); }
 
+    /// Subscribes to what is sent from now on; after the end, to the end.
     void subscribe(std::shared_ptr<Subscriber<Output, Failure>> subscriber) const {
         std::make_shared<Conduit>(std::move(subscriber), state_)->start(*state_);
     }

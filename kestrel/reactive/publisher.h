@@ -24,6 +24,7 @@ class Publisher {
     Publisher& operator=(const Publisher&) = delete;
     virtual ~Publisher() = default;
 
+    /// Gives the subscriber a subscription, then the values that it asks for through it, then an end.
     virtual void subscribe(std::shared_ptr<Subscriber<Output, Failure>> subscriber) const = 0;
 };
 
@@ -36,6 +37,7 @@ class Publisher {
 template <class Output, class Failure = Never>
 class AnyPublisher {
   public:
+    /// Who subscribes.
     using Downstream = std::shared_ptr<Subscriber<Output, Failure>>;
 
     /// `subscribe` is shared by the copies. One that is empty is a mistake in the program: fatal().
@@ -43,12 +45,15 @@ class AnyPublisher {
         : subscribe_(std::make_shared<const std::function<void(Downstream)>>(std::move(subscribe))) {
         if (!*subscribe_) fatal("A publisher was made of nothing.");
     }
+    /// Hands subscribers on to the publisher, which it keeps.
     explicit AnyPublisher(std::shared_ptr<const Publisher<Output, Failure>> publisher)
         : AnyPublisher(std::function<void(Downstream)>([publisher = std::move(publisher)](Downstream subscriber) {
               publisher->subscribe(std::move(subscriber));
           })) {}
 
+    /// Gives the subscriber a subscription, then the values that it asks for through it, then an end.
     void subscribe(Downstream subscriber) const { (*subscribe_)(std::move(subscriber)); }
+    /// Itself, as every publisher and subject can be written.
     [[nodiscard]] AnyPublisher eraseToAnyPublisher() const { return *this; }
 
     /// Subscribes without limit until the result is destroyed or cancelled.
@@ -59,6 +64,7 @@ class AnyPublisher {
         subscribe(sink);
         return AnyCancellable([sink = std::move(sink)] { sink->cancel(); });
     }
+    /// Subscribes for the values alone; an end, failed or not, is not told.
     template <class OnValue>
         requires(!std::same_as<Output, Never>) && std::invocable<OnValue, const Output&>
     [[nodiscard]] AnyCancellable sink(OnValue onValue) const {

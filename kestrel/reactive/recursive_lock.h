@@ -9,11 +9,13 @@ namespace kestrel {
 /// inline and in one word: the standard recursive mutex takes twice as long.
 class RecursiveLock {
   public:
+    /// Not locked.
     RecursiveLock() = default;
     RecursiveLock(const RecursiveLock&) = delete;
     RecursiveLock& operator=(const RecursiveLock&) = delete;
     ~RecursiveLock() = default;
 
+    /// Waits until no other thread has it. Owned by the calling thread, once more each time.
     void lock() {
         std::uintptr_t owner = nobody;
         if (owner_.compare_exchange_strong(owner, self(), std::memory_order_acquire, std::memory_order_relaxed))
@@ -24,6 +26,7 @@ class RecursiveLock {
         else
             waitAndLock();
     }
+    /// By the owner: gives it up when it was unlocked as often as it was locked.
     void unlock() {
         if (relocked_ > 0) [[unlikely]] {
             --relocked_;

@@ -31,13 +31,16 @@ class ReplaySubject {
     void send(const Output& value) const { state_->send(value); }
     /// Ends all subscribers. Only the first completion counts.
     void send(Completion<Failure> completion) const { state_->end(std::move(completion)); }
+    /// Ends all subscribers without a failure.
     void finish() const { send(Completion<Failure>::finished()); }
     /// For use as the subscriber of another publisher: asks it for everything.
     void send(const std::shared_ptr<Subscription>& subscription) const { subscription->request(Demand::unlimited()); }
 
+    /// Subscribes: to what is replayed, and then to what is sent.
     void receive(std::shared_ptr<Subscriber<Output, Failure>> subscriber) const {
         state_->subscribe(std::move(subscriber));
     }
+    /// As `receive`.
     void subscribe(std::shared_ptr<Subscriber<Output, Failure>> subscriber) const { receive(std::move(subscriber)); }
     /// Serves what is sent to this subject, which it keeps.
     [[nodiscard]] AnyPublisher<Output, Failure> eraseToAnyPublisher() const {

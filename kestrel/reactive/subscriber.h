@@ -25,13 +25,16 @@ class Never {
 template <class Failure>
 class Completion {
   public:
+    /// An end without a failure.
     [[nodiscard]] static Completion finished() { return Completion(); }
+    /// An end by that failure.
     [[nodiscard]] static Completion failed(Failure failure) {
         Completion completion;
         completion.failure_ = std::move(failure);
         return completion;
     }
 
+    /// Whether it ended without a failure.
     [[nodiscard]] bool isFinished() const noexcept { return !failure_; }
     /// Absent when it finished.
     [[nodiscard]] const std::optional<Failure>& failure() const noexcept { return failure_; }
@@ -67,9 +70,11 @@ class Subscriber {
     Subscriber& operator=(const Subscriber&) = delete;
     virtual ~Subscriber() = default;
 
+    /// The subscription, once, before anything else.
     virtual void receive(std::shared_ptr<Subscription> subscription) = 0;
     /// A value; gives back for how many more it is ready, on top of what it asked for before.
     virtual Demand receive(const Output& value) = 0;
+    /// The end, at most once and last.
     virtual void receive(Completion<Failure> completion) = 0;
 };
 

@@ -64,24 +64,31 @@ struct Company {
     std::optional<Date> extraDate4{};
     /// 0 or 1.
     std::int64_t flagged{};
+    /// Key of its picture.
     std::optional<std::int64_t> imageDataID{};
+    /// Key of the IndustryType that it works in.
     std::optional<std::int64_t> industryTypeID{};
     /// The store's level code.
     std::int64_t level{};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};
+    /// What the company is called.
     std::optional<std::string> name{};
+    /// 0 when not known.
     std::int64_t numberOfEmployees{};
     /// Position among its siblings.
     std::int64_t order{};
     /// The store's packed permission word, kept beside the decoded `permissions` and not interpreted.
     std::int64_t permissionMask{};
+    /// Key of the RegionType that it sits in.
     std::optional<std::int64_t> regionTypeID{};
     /// Standard industrial classification.
     std::optional<std::string> sicCode{};
     /// The identifier that the record had where it was imported from.
     std::optional<std::string> sourceImportID{};
+    /// A line about it, such as its slogan.
     std::optional<std::string> tagline{};
+    /// Under which its shares are traded.
     std::optional<std::string> tickerSymbol{};
     /// Key of its visibility preset.
     std::optional<std::int64_t> visibilityPresetID{};

@@ -29,6 +29,7 @@ struct ContactRole;
 struct Contact {
     static constexpr auto recordName = recordNameOf<Contact>;
     static constexpr auto entityName = entityNameOf<Contact>;
+    /// What `priority` tells.
     using Priority = ContactPriority;
 
     ReadOnly<ObjectID<Contact>, Contact> contactID;
@@ -56,6 +57,7 @@ struct Contact {
     std::optional<std::string> deletionIdentifier{};
     /// Key of the user who deleted it.
     std::optional<std::int64_t> deletionUserID{};
+    /// What users note about the person.
     std::optional<std::string> details{};
     // Free texts and dates whose names each database gives: see ExtraFieldsNames.
     std::optional<std::string> extra1{};
@@ -74,24 +76,33 @@ struct Contact {
     std::optional<Date> extraDate2{};
     std::optional<Date> extraDate3{};
     std::optional<Date> extraDate4{};
+    /// The first of the given names.
     std::optional<std::string> firstName{};
+    /// What the person likes to do.
     std::optional<std::string> hobbies{};
     /// The contact's picture.
     std::optional<ImageAsset> imageAsset{};
     /// The salutation for letters.
     std::optional<std::string> individualSalutation{};
+    /// Whether a user has marked the contact.
     bool isFlagged{};
+    /// The family name.
     std::optional<std::string> lastName{};
+    /// The given names behind the first.
     std::optional<std::string> middleName{};
     /// When the record was last changed.
     ReadOnly<std::optional<Date>, Contact> modifyDate{};
+    /// What friends call the person.
     std::optional<std::string> nickname{};
     /// In front of the name: "Dr."
     std::optional<std::string> prefix{};
+    /// How much the contact matters; `inactive` by default.
     ContactPriority priority{};
+    /// What the person is to the user, in the user's words.
     std::optional<std::string> relationshipToMe{};
     /// Behind the name: "Jr."
     std::optional<std::string> suffix{};
+    /// A line about the person.
     std::optional<std::string> tagline{};
     /// Its category, with the name and colour to show.
     std::optional<Category> category{};
@@ -99,6 +110,7 @@ struct Contact {
     std::vector<AnyElectronicAddress> electronicAddresses{};
     /// In the user's order.
     std::vector<GeoAddress> geoAddresses{};
+    /// Under which it can be found, each once.
     std::vector<Keyword> keywords{};
     /// In the user's order.
     std::vector<Phone> phones{};
@@ -107,6 +119,7 @@ struct Contact {
 
     [[nodiscard]] const ObjectID<Contact>& objectID() const noexcept { return contactID.get(); }
     [[nodiscard]] const ObjectID<Contact>& id() const noexcept { return contactID.get(); }
+    /// Its seven parts, as one value.
     [[nodiscard]] Name name() const;
     /// Writes all seven parts, the absent ones too.
     void setName(const Name& name);
@@ -115,27 +128,34 @@ struct Contact {
     [[nodiscard]] std::optional<PartialDate> birthDate() const;
     /// An absent date clears day, month and year.
     void setBirthDate(const std::optional<PartialDate>& date);
+    /// Present when the day and the month are set; without a year when that is not known.
     [[nodiscard]] std::optional<PartialDate> anniversaryDate() const;
+    /// An absent date clears day, month and year.
     void setAnniversaryDate(const std::optional<PartialDate>& date);
 
-    // The electronic addresses of one kind, in order. Setting them fills the places of that kind in order; the other
-    // kinds keep theirs. When there are fewer than before the last places fall away; when there are more, the further
-    // ones follow the last place of the kind, or all others where the kind had none.
+    ///@{
+    /// The electronic addresses of one kind, in order. Setting them fills the places of that kind in order; the other
+    /// kinds keep theirs. When there are fewer than before the last places fall away; when there are more, the further
+    /// ones follow the last place of the kind, or all others where the kind had none.
     [[nodiscard]] std::vector<EmailAddress> emailAddresses() const;
     void setEmailAddresses(std::span<const EmailAddress> addresses);
     [[nodiscard]] std::vector<URLAddress> urlAddresses() const;
     void setURLAddresses(std::span<const URLAddress> addresses);
     [[nodiscard]] std::vector<SocialProfile> socialProfiles() const;
     void setSocialProfiles(std::span<const SocialProfile> profiles);
+    ///@}
 
-    // The default is the first one in the user's order. Setting it puts the value first; an entry of the same
-    // identifier is taken out before, and the others keep their order. Setting an absent value changes nothing.
+    ///@{
+    /// The default is the first one in the user's order; absent where there is none. Setting it puts the value first;
+    /// an entry of the same identifier is taken out before, and the others keep their order. Setting an absent value
+    /// changes nothing.
     [[nodiscard]] std::optional<Phone> defaultPhone() const;
     void setDefaultPhone(const std::optional<Phone>& phone);
     [[nodiscard]] std::optional<EmailAddress> defaultEmailAddress() const;
     void setDefaultEmailAddress(const std::optional<EmailAddress>& address);
     [[nodiscard]] std::optional<GeoAddress> defaultGeoAddress() const;
     void setDefaultGeoAddress(const std::optional<GeoAddress>& address);
+    ///@}
 
     // Over a contact's roles (kestrel/relationships/contact_role.h).
 

@@ -8,17 +8,17 @@ namespace kestrel {
 
 /// How much a contact matters: from 1, low, over 5, medium, to 10, high.
 enum class ContactPriority : std::uint8_t {
-    inactive = 0,
-    p1 = 1,
-    p2 = 2,
-    p3 = 3,
-    p4 = 4,
-    p5 = 5,
-    p6 = 6,
-    p7 = 7,
-    p8 = 8,
-    p9 = 9,
-    p10 = 10,
+    inactive = 0,  ///< not in use any more
+    p1 = 1,        ///< low
+    p2 = 2,        ///< between low and medium
+    p3 = 3,        ///< between low and medium
+    p4 = 4,        ///< between low and medium
+    p5 = 5,        ///< medium
+    p6 = 6,        ///< between medium and high
+    p7 = 7,        ///< between medium and high
+    p8 = 8,        ///< between medium and high
+    p9 = 9,        ///< between medium and high
+    p10 = 10,      ///< high
 };
 /// In the user's language.
 [[nodiscard]] std::string displayName(ContactPriority priority);

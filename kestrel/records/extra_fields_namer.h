@@ -32,15 +32,21 @@ concept HasExtraFields = requires(const Record& record) {
     { record.extraDate4 } -> std::convertible_to<const std::optional<Date>&>;
 };
 
+/// An extra text with its name.
 struct NamedExtraField {
+    /// The name in the names record, which may be empty; without one the default name.
     std::string name{};
+    /// The text of the record, which may be empty.
     std::string value{};
 
     friend bool operator==(const NamedExtraField&, const NamedExtraField&) = default;
 };
 
+/// An extra date with its name.
 struct NamedExtraDate {
+    /// The name in the names record, which may be empty; without one the default name.
     std::string name{};
+    /// That of the record.
     Date date{};
 
     friend bool operator==(const NamedExtraDate&, const NamedExtraDate&) = default;
@@ -50,6 +56,7 @@ struct NamedExtraDate {
 /// language for a field that has none.
 class ExtraFieldsNamer {
   public:
+    /// By these names.
     explicit ExtraFieldsNamer(ExtraFieldsNames names) : names_(std::move(names)) {}
     /// Without a names record: every field has its default name.
     [[nodiscard]] static ExtraFieldsNamer empty() { return {}; }

@@ -26,7 +26,7 @@ struct ExtraFieldsNames {
     std::optional<std::string> deletionIdentifier{};
     /// Key of the user who deleted it.
     std::optional<std::int64_t> deletionUserID{};
-    /// The names of the texts and of the dates, by number.
+    // The names of the texts and of the dates, by number.
     std::optional<std::string> extra1{};
     std::optional<std::string> extra10{};
     std::optional<std::string> extra11{};

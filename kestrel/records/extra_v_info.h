@@ -17,6 +17,7 @@ struct ExtraVInfo {
     static constexpr auto entityName = entityNameOf<ExtraVInfo>;
 
     ReadOnly<ObjectID<ExtraVInfo>, ExtraVInfo> extraVInfoID;
+    /// Key of the contact.
     std::int64_t contactID{};
     /// When the record was deleted, softly; absent while it lives.
     std::optional<Date> deletionDate{};
@@ -24,10 +25,15 @@ struct ExtraVInfo {
     std::optional<std::string> deletionIdentifier{};
     /// Key of the user who deleted it.
     std::optional<std::int64_t> deletionUserID{};
+    /// What is known, as a text.
     std::optional<std::string> info{};
+    /// Key of the company.
     std::int64_t organizationID{};
+    /// Key of the task.
     std::int64_t taskID{};
+    /// Key of the appointment.
     std::int64_t timeblockID{};
+    /// Key of the user.
     std::int64_t userID{};
 
     [[nodiscard]] const ObjectID<ExtraVInfo>& objectID() const noexcept { return extraVInfoID.get(); }

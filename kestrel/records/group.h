@@ -38,6 +38,7 @@ struct Group {
     std::optional<std::string> deletionIdentifier{};
     /// Key of the user who deleted it.
     std::optional<std::int64_t> deletionUserID{};
+    /// When what the group is for ends; absent where it does not.
     std::optional<Date> endDate{};
     // Free texts and dates whose names each database gives: see ExtraFieldsNames.
     std::optional<std::string> extra1{};
@@ -58,10 +59,13 @@ struct Group {
     std::optional<Date> extraDate4{};
     /// The store's level code.
     std::int64_t level{};
+    /// A text about the group, beside the note.
     std::optional<std::string> message{};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};
+    /// What users call the group.
     std::optional<std::string> name{};
+    /// What users note about the group.
     std::optional<std::string> note{};
     /// Position among its siblings.
     std::int64_t order{};
@@ -71,6 +75,7 @@ struct Group {
     std::int64_t permissionMask{};
     /// The identifier that the record had where it was imported from.
     std::optional<std::string> sourceImportID{};
+    /// When what the group is for begins.
     std::optional<Date> startDate{};
     /// Key of its visibility preset.
     std::optional<std::int64_t> visibilityPresetID{};

@@ -11,25 +11,38 @@ namespace kestrel {
 
 /// A choice of parts of a name, as bits of an integer.
 struct NameComponents {
+    /// A bit for each part, in the order of the constants; that of the prefix is the lowest.
     std::int64_t rawValue{};
 
+    /// Name::prefix alone.
     static const NameComponents prefix;
+    /// Name::first alone.
     static const NameComponents first;
+    /// Name::middle alone.
     static const NameComponents middle;
+    /// Name::last alone.
     static const NameComponents last;
+    /// Name::suffix alone.
     static const NameComponents suffix;
+    /// Name::nickname alone.
     static const NameComponents nickname;
+    /// Name::alias alone.
     static const NameComponents alias;
+    /// All seven parts.
     static const NameComponents all;
 
+    /// Whether all of the other ones are among them; true when there are none.
     [[nodiscard]] constexpr bool contains(NameComponents other) const noexcept {
         return (rawValue & other.rawValue) == other.rawValue;
     }
+    /// Whether no part is chosen.
     [[nodiscard]] constexpr bool isEmpty() const noexcept { return rawValue == 0; }
 
+    /// The components of either.
     friend constexpr NameComponents operator|(NameComponents a, NameComponents b) noexcept {
         return {a.rawValue | b.rawValue};
     }
+    /// The components of both.
     friend constexpr NameComponents operator&(NameComponents a, NameComponents b) noexcept {
         return {a.rawValue & b.rawValue};
     }
@@ -37,8 +50,11 @@ struct NameComponents {
     friend constexpr NameComponents operator-(NameComponents a, NameComponents b) noexcept {
         return {a.rawValue & ~b.rawValue};
     }
+    /// Adds the other ones.
     constexpr NameComponents& operator|=(NameComponents other) noexcept { return *this = *this | other; }
+    /// Keeps those that are among the other ones, too.
     constexpr NameComponents& operator&=(NameComponents other) noexcept { return *this = *this & other; }
+    /// Takes the other ones away.
     constexpr NameComponents& operator-=(NameComponents other) noexcept { return *this = *this - other; }
     friend constexpr bool operator==(NameComponents, NameComponents) = default;
 };
@@ -62,13 +78,18 @@ enum class NameStyle : std::uint8_t {
 /// A person's name by its parts.
 struct Name {
     using Coded = void;
+    /// Which parts to show.
     using Components = NameComponents;
+    /// How much to show of them.
     using Style = NameStyle;
 
     /// In front of the name: "Dr."
     std::optional<std::string> prefix{};
+    /// The first of the given names.
     std::optional<std::string> first{};
+    /// The given names behind the first.
     std::optional<std::string> middle{};
+    /// The family name.
     std::optional<std::string> last{};
     /// Behind the name: "Jr."
     std::optional<std::string> suffix{};

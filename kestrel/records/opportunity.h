@@ -30,9 +30,13 @@ struct Opportunity {
     /// When the deal was closed.
     std::optional<Date> completeDate{};
     /// The lock that a connector took on the record: when, under which identifier, for which user.
+    ///@{
+    /// The lock that a connector took on the record: when, under which identifier, for which user. Absent without a
+    /// lock.
     std::optional<Date> connectorLockDate{};
     std::optional<std::string> connectorLockIdentifier{};
     std::optional<std::int64_t> connectorLockUserID{};
+    ///@}
     /// When the record was created.
     std::optional<Date> createDate{};
     /// Key of the user who created it.
@@ -53,6 +57,7 @@ struct Opportunity {
     std::optional<std::string> deletionIdentifier{};
     /// Key of the user who deleted it.
     std::optional<std::int64_t> deletionUserID{};
+    /// What users note about the deal.
     std::optional<std::string> details{};
     /// When the deal is forecast to close.
     std::optional<Date> dueDate{};
@@ -73,6 +78,7 @@ struct Opportunity {
     std::optional<Date> extraDate2{};
     std::optional<Date> extraDate3{};
     std::optional<Date> extraDate4{};
+    /// Key of a goal of the store.
     std::optional<std::int64_t> goalID{};
     /// The state before the current one.
     std::int64_t lastOpportunityStateType{};
@@ -80,11 +86,15 @@ struct Opportunity {
     std::int64_t level{};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};
+    /// What the deal is called.
     std::optional<std::string> name{};
+    /// A code of the users' choice.
     std::optional<std::string> opportunityCode{};
+    /// Key of the OpportunityStateReason, why the deal is in its state.
     std::optional<std::int64_t> opportunityStateReasonID{};
     /// The raw value of its OpportunityState.
     std::int64_t opportunityStateType{};
+    /// Key of its OpportunityType.
     std::optional<std::int64_t> opportunityTypeID{};
     /// Position among its siblings.
     std::int64_t order{};
@@ -92,12 +102,17 @@ struct Opportunity {
     std::int64_t permissionMask{};
     /// Of success, in percent.
     std::int64_t probability{};
+    /// Key of a product or service of the store.
     std::optional<std::int64_t> productServiceID{};
     /// The identifier that the record had where it was imported from.
     std::optional<std::string> sourceImportID{};
+    /// When work on the deal began.
     std::optional<Date> startDate{};
+    /// Key of a term of the store.
     std::optional<std::int64_t> termID{};
+    /// The price of one unit.
     double unitPrice{};
+    /// How many units are sold.
     double units{};
     /// Key of its visibility preset.
     std::optional<std::int64_t> visibilityPresetID{};

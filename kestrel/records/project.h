@@ -23,6 +23,7 @@ struct Project {
     ReadOnly<ObjectID<Project>, Project> projectID;
     /// Key of the user it is assigned to.
     std::optional<std::int64_t> assignedToID{};
+    /// The total of estimates, as the store keeps it, in the store's unit.
     std::optional<std::int64_t> cachedTotalEstimatedTime{};
     /// Key of its category.
     std::optional<std::int64_t> categoryID{};
@@ -48,8 +49,11 @@ struct Project {
     std::optional<std::string> deletionIdentifier{};
     /// Key of the user who deleted it.
     std::optional<std::int64_t> deletionUserID{};
+    /// What users note about the project.
     std::optional<std::string> details{};
+    /// When the project is to be completed.
     std::optional<Date> dueDate{};
+    /// How long it is estimated to take, in the store's unit.
     std::optional<std::int64_t> estimatedTime{};
     // Free texts and dates whose names each database gives: see ExtraFieldsNames.
     std::optional<std::string> extra1{};
@@ -68,6 +72,7 @@ struct Project {
     std::optional<Date> extraDate2{};
     std::optional<Date> extraDate3{};
     std::optional<Date> extraDate4{};
+    /// Key of a goal of the store.
     std::optional<std::int64_t> goalID{};
     /// The status before the current one.
     std::int64_t lastStatusCode{};
@@ -75,18 +80,23 @@ struct Project {
     std::int64_t level{};
     /// When the record was last changed.
     std::optional<Date> modifyDate{};
+    /// What the project is called.
     std::optional<std::string> name{};
     /// Key of the related opportunity.
     std::optional<std::int64_t> opportunityID{};
     /// Position among its siblings.
     std::int64_t order{};
+    /// How much of it is done, from 0 to 100.
     std::int64_t percentComplete{};
     /// The store's packed permission word, kept beside the decoded `permissions` and not interpreted.
     std::int64_t permissionMask{};
+    /// A code of the users' choice.
     std::optional<std::string> projectCode{};
     /// The identifier that the record had where it was imported from.
     std::optional<std::string> sourceImportID{};
+    /// When work on the project begins.
     std::optional<Date> startDate{};
+    /// The store's code of its status.
     std::int64_t statusCode{};
     /// Key of its visibility preset.
     std::optional<std::int64_t> visibilityPresetID{};

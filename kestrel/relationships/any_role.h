@@ -32,6 +32,7 @@ struct AnyRole {
     bool isDefaultForContact{};
     /// The role's title.
     std::optional<std::string> name{};
+    /// Absent when it is untyped.
     std::optional<AnyRoleType> roleType{};
 
     [[nodiscard]] const ObjectID<AnyRole>& objectID() const noexcept { return roleID.get(); }

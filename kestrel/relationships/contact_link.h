@@ -21,14 +21,20 @@ class ContactLink : public Choice<ContactLink, ObjectID<Contact>, ObjectID<Compa
                                   ObjectID<Project>, ObjectID<Email>> {
   public:
     using Coded = void;
+    /// The same with the record that makes it.
     using Record = ContactLinkRecord;
+    /// Asks for such connections.
     using Query = ContactLinkQuery;
 
     /// The other contact of a relationship between contacts.
     [[nodiscard]] static ContactLink relationship(ObjectID<Contact> id) { return ContactLink(id); }
+    /// A role at that company.
     [[nodiscard]] static ContactLink companyRole(ObjectID<Company> id) { return ContactLink(id); }
+    /// A role on that opportunity.
     [[nodiscard]] static ContactLink opportunityRole(ObjectID<Opportunity> id) { return ContactLink(id); }
+    /// A role on that project.
     [[nodiscard]] static ContactLink projectRole(ObjectID<Project> id) { return ContactLink(id); }
+    /// That email.
     [[nodiscard]] static ContactLink email(ObjectID<Email> id) { return ContactLink(id); }
 
     [[nodiscard]] std::optional<ObjectID<Contact>> relationship() const { return payload<ObjectID<Contact>>(); }
@@ -51,18 +57,23 @@ extern template struct Codec<ContactLink>;
 class ContactLinkRecord : public Choice<ContactLinkRecord, ToContactRelationship, ContactCompanyRole,
                                         ContactOpportunityRole, ContactProjectRole, Email> {
   public:
+    /// A relationship to another contact.
     [[nodiscard]] static ContactLinkRecord relationship(ToContactRelationship record) {
         return ContactLinkRecord(std::move(record));
     }
+    /// A role at a company.
     [[nodiscard]] static ContactLinkRecord companyRole(ContactCompanyRole record) {
         return ContactLinkRecord(std::move(record));
     }
+    /// A role on an opportunity.
     [[nodiscard]] static ContactLinkRecord opportunityRole(ContactOpportunityRole record) {
         return ContactLinkRecord(std::move(record));
     }
+    /// A role on a project.
     [[nodiscard]] static ContactLinkRecord projectRole(ContactProjectRole record) {
         return ContactLinkRecord(std::move(record));
     }
+    /// An email.
     [[nodiscard]] static ContactLinkRecord email(Email record) { return ContactLinkRecord(std::move(record)); }
 
     [[nodiscard]] const ToContactRelationship* relationship() const noexcept {
@@ -88,6 +99,7 @@ class ContactLinkRecord : public Choice<ContactLinkRecord, ToContactRelationship
 /// Asks for the connections of contacts that point at a record. The host's store answers.
 class ContactLinkQuery : public Choice<ContactLinkQuery, LinkTarget> {
   public:
+    /// All connections that point there.
     [[nodiscard]] static ContactLinkQuery destination(LinkTarget target) { return ContactLinkQuery(std::move(target)); }
 
     [[nodiscard]] std::optional<LinkTarget> destination() const { return payload<LinkTarget>(); }

@@ -25,21 +25,28 @@ namespace kestrel {
 class RoleDestination
     : public Choice<RoleDestination, Shared<Company>, Shared<Opportunity>, Shared<Project>, NoPayload<3>> {
   public:
+    /// At that company.
     [[nodiscard]] static RoleDestination company(Company company) {
         return RoleDestination(Shared(std::move(company)));
     }
+    /// On that opportunity.
     [[nodiscard]] static RoleDestination opportunity(Opportunity opportunity) {
         return RoleDestination(Shared(std::move(opportunity)));
     }
+    /// On that project.
     [[nodiscard]] static RoleDestination project(Project project) {
         return RoleDestination(Shared(std::move(project)));
     }
     /// It could not be loaded.
     [[nodiscard]] static RoleDestination missingDestination() { return RoleDestination(NoPayload<3>{}); }
 
+    /// Null when it is something else.
     [[nodiscard]] const Company* company() const noexcept { return shared<Company>(); }
+    /// Null when it is something else.
     [[nodiscard]] const Opportunity* opportunity() const noexcept { return shared<Opportunity>(); }
+    /// Null when it is something else.
     [[nodiscard]] const Project* project() const noexcept { return shared<Project>(); }
+    /// Whether it could not be loaded.
     [[nodiscard]] bool isMissingDestination() const noexcept { return caseIndex() == 3; }
 
     friend bool operator==(const RoleDestination&, const RoleDestination&) = default;
@@ -56,7 +63,9 @@ class RoleDestination
 /// A role's type, which need not be one that describes a person: then it is `invalid`, but keeps its name.
 class RoleTypeStorage : public Choice<RoleTypeStorage, ContactRoleType, AnyRoleType> {
   public:
+    /// One that describes a person.
     [[nodiscard]] static RoleTypeStorage valid(ContactRoleType type) { return RoleTypeStorage(std::move(type)); }
+    /// One that does not, or has no name.
     [[nodiscard]] static RoleTypeStorage invalid(AnyRoleType type) { return RoleTypeStorage(std::move(type)); }
     /// Valid when the type converts to one that describes a person.
     [[nodiscard]] static RoleTypeStorage from(const AnyRoleType& type);
@@ -72,12 +81,16 @@ class RoleTypeStorage : public Choice<RoleTypeStorage, ContactRoleType, AnyRoleT
 
 /// A contact's role with its destination and its type.
 struct ContactRole {
+    /// Where it is.
     using Destination = RoleDestination;
+    /// What it is.
     using RoleTypeStorage = kestrel::RoleTypeStorage;
 
+    /// The role as it is stored.
     AnyRole backingRole;
     /// Absent when the role has no type.
     std::optional<RoleTypeStorage> backingRoleType{};
+    /// Missing until it is set.
     Destination destination = Destination::missingDestination();
 
     /// A stored role.
@@ -88,25 +101,32 @@ struct ContactRole {
 
     [[nodiscard]] const ObjectID<AnyRole>& id() const noexcept { return backingRole.id(); }
     [[nodiscard]] const ObjectID<AnyRole>& objectID() const noexcept { return backingRole.objectID(); }
+    /// When the role was created; absent for a new one.
     [[nodiscard]] const std::optional<Date>& createDate() const noexcept { return backingRole.createDate; }
 
     /// The role's title.
     [[nodiscard]] const std::optional<std::string>& name() const noexcept { return backingRole.name; }
+    /// Sets the title; absent takes it away.
     void setName(std::optional<std::string> name) { backingRole.name = std::move(name); }
+    /// The department at the destination.
     [[nodiscard]] const std::optional<std::string>& department() const noexcept { return backingRole.department; }
+    /// Sets the department; absent takes it away.
     void setDepartment(std::optional<std::string> department) { backingRole.department = std::move(department); }
     /// Whether it is marked as the contact's default role.
     [[nodiscard]] bool isDefault() const noexcept { return backingRole.isDefaultForContact; }
+    /// Sets the mark of this role alone; see Contact::setDefaultRole.
     void setDefault(bool isDefault) noexcept { backingRole.isDefaultForContact = isDefault; }
 
-    // The destination when it is of that kind. Setting one makes it the destination; setting an absent one makes the
-    // destination missing when it was of that kind, and changes nothing otherwise.
+    ///@{
+    /// The destination when it is of that kind, else null. Setting one makes it the destination; setting an absent one
+    /// makes the destination missing when it was of that kind, and changes nothing otherwise.
     [[nodiscard]] const Company* company() const noexcept { return destination.company(); }
     void setCompany(std::optional<Company> company);
     [[nodiscard]] const Opportunity* opportunity() const noexcept { return destination.opportunity(); }
     void setOpportunity(std::optional<Opportunity> opportunity);
     [[nodiscard]] const Project* project() const noexcept { return destination.project(); }
     void setProject(std::optional<Project> project);
+    ///@}
 
     /// Null when the role has no type, or an invalid one.
     [[nodiscard]] const ContactRoleType* roleType() const noexcept {
@@ -130,21 +150,32 @@ class ContactCompanyRole {
     ContactCompanyRole(Company at, std::optional<std::string> name, std::optional<std::string> department,
                        std::optional<ContactRoleType> type);
 
+    /// The role itself.
     [[nodiscard]] const ContactRole& contactRoleRecord() const noexcept { return backingRole_; }
+    /// The company, which is always there.
     [[nodiscard]] const Company& company() const noexcept { return *backingRole_.company(); }
+    /// Makes another company the destination.
     void setCompany(Company company) { backingRole_.setCompany(std::move(company)); }
     [[nodiscard]] const ObjectID<AnyRole>& id() const noexcept { return backingRole_.id(); }
     [[nodiscard]] const ObjectID<AnyRole>& objectID() const noexcept { return backingRole_.objectID(); }
+    /// When the role was created; absent for a new one.
     [[nodiscard]] const std::optional<Date>& createDate() const noexcept { return backingRole_.createDate(); }
 
     /// The role's title.
     [[nodiscard]] const std::optional<std::string>& name() const noexcept { return backingRole_.name(); }
+    /// Sets the title; absent takes it away.
     void setName(std::optional<std::string> name) { backingRole_.setName(std::move(name)); }
+    /// The department at the company.
     [[nodiscard]] const std::optional<std::string>& department() const noexcept { return backingRole_.department(); }
+    /// Sets the department; absent takes it away.
     void setDepartment(std::optional<std::string> department) { backingRole_.setDepartment(std::move(department)); }
+    /// Whether it is marked as the contact's default role.
     [[nodiscard]] bool isDefault() const noexcept { return backingRole_.isDefault(); }
+    /// Sets the mark of this role alone; see Contact::setDefaultRole.
     void setDefault(bool isDefault) noexcept { backingRole_.setDefault(isDefault); }
+    /// Null when the role has no type, or an invalid one.
     [[nodiscard]] const ContactRoleType* roleType() const noexcept { return backingRole_.roleType(); }
+    /// An absent one leaves the role without a type.
     void setRoleType(std::optional<ContactRoleType> roleType) { backingRole_.setRoleType(std::move(roleType)); }
 
     /// Title and department, those of them that are present, with ", " between; absent when neither is. An empty title
@@ -168,12 +199,17 @@ class ContactOpportunityRole {
     /// A new role: its identifier is a new one, it has no creation date and is not the default.
     ContactOpportunityRole(Opportunity at, std::optional<std::string> name, std::optional<ContactRoleType> type);
 
+    /// The role itself.
     [[nodiscard]] const ContactRole& contactRoleRecord() const noexcept { return backingRole_; }
+    /// The opportunity, which is always there.
     [[nodiscard]] const Opportunity& opportunity() const noexcept { return *backingRole_.opportunity(); }
     [[nodiscard]] const ObjectID<AnyRole>& id() const noexcept { return backingRole_.id(); }
     [[nodiscard]] const ObjectID<AnyRole>& objectID() const noexcept { return backingRole_.objectID(); }
+    /// When the role was created; absent for a new one.
     [[nodiscard]] const std::optional<Date>& createDate() const noexcept { return backingRole_.createDate(); }
+    /// The role's title.
     [[nodiscard]] const std::optional<std::string>& name() const noexcept { return backingRole_.name(); }
+    /// Null when the role has no type, or an invalid one.
     [[nodiscard]] const ContactRoleType* roleType() const noexcept { return backingRole_.roleType(); }
 
     friend bool operator==(const ContactOpportunityRole&, const ContactOpportunityRole&) = default;
@@ -193,12 +229,17 @@ class ContactProjectRole {
     /// A new role: its identifier is a new one, it has no creation date and is not the default.
     ContactProjectRole(Project at, std::optional<std::string> name, std::optional<ContactRoleType> type);
 
+    /// The role itself.
     [[nodiscard]] const ContactRole& contactRoleRecord() const noexcept { return backingRole_; }
+    /// The project, which is always there.
     [[nodiscard]] const Project& project() const noexcept { return *backingRole_.project(); }
     [[nodiscard]] const ObjectID<AnyRole>& id() const noexcept { return backingRole_.id(); }
     [[nodiscard]] const ObjectID<AnyRole>& objectID() const noexcept { return backingRole_.objectID(); }
+    /// When the role was created; absent for a new one.
     [[nodiscard]] const std::optional<Date>& createDate() const noexcept { return backingRole_.createDate(); }
+    /// The role's title.
     [[nodiscard]] const std::optional<std::string>& name() const noexcept { return backingRole_.name(); }
+    /// Null when the role has no type, or an invalid one.
     [[nodiscard]] const ContactRoleType* roleType() const noexcept { return backingRole_.roleType(); }
 
     friend bool operator==(const ContactProjectRole&, const ContactProjectRole&) = default;

@@ -23,19 +23,27 @@ namespace kestrel {
 template <class End>
 class RelationshipEnd : public Choice<End, Shared<Contact>, Shared<Company>, NoPayload<2>> {
   public:
+    /// For the constructor of what derives from this.
     using Base = Choice<End, Shared<Contact>, Shared<Company>, NoPayload<2>>;
+    /// What holds the far end.
     using typename Base::Variant;
 
+    /// That contact.
     [[nodiscard]] static End contact(Contact contact) { return End(Shared(std::move(contact))); }
+    /// That company.
     [[nodiscard]] static End company(Company company) { return End(Shared(std::move(company))); }
 
+    /// Null when it is something else.
     [[nodiscard]] const Contact* contact() const noexcept { return shared<Contact>(); }
+    /// Null when it is something else.
     [[nodiscard]] const Company* company() const noexcept { return shared<Company>(); }
 
     friend bool operator==(const RelationshipEnd&, const RelationshipEnd&) = default;
 
   protected:
+    /// From what holds the far end.
     explicit RelationshipEnd(Variant value) : Base(std::move(value)) {}
+    /// Whether it could not be loaded.
     [[nodiscard]] bool isMissing() const noexcept { return this->caseIndex() == 2; }
 
   private:
@@ -48,16 +56,22 @@ class RelationshipEnd : public Choice<End, Shared<Contact>, Shared<Company>, NoP
 
 /// What a relationship says whichever end it is seen from.
 struct SeenRelationship {
+    /// The relationship as it is stored.
     AnyRelationship backingRelationship;
 
     [[nodiscard]] const ObjectID<AnyRelationship>& id() const noexcept { return backingRelationship.id(); }
     [[nodiscard]] const ObjectID<AnyRelationship>& objectID() const noexcept { return backingRelationship.objectID(); }
+    /// When the relationship was created; absent for a new one.
     [[nodiscard]] const std::optional<Date>& createDate() const noexcept { return backingRelationship.createDate; }
+    /// A note on the relationship.
     [[nodiscard]] const std::optional<std::string>& details() const noexcept { return backingRelationship.details; }
+    /// Sets the note; absent takes it away.
     void setDetails(std::optional<std::string> details) { backingRelationship.details = std::move(details); }
+    /// Absent when it is untyped.
     [[nodiscard]] const std::optional<RelationshipType>& relationshipType() const noexcept {
         return backingRelationship.relationshipType;
     }
+    /// Sets the type; absent leaves it untyped.
     void setRelationshipType(std::optional<RelationshipType> type) {
         backingRelationship.relationshipType = std::move(type);
     }
@@ -65,6 +79,7 @@ struct SeenRelationship {
     friend bool operator==(const SeenRelationship&, const SeenRelationship&) = default;
 
   protected:
+    /// A stored form with a new identifier, of which nothing but the type is set.
     [[nodiscard]] static AnyRelationship newRecord(std::optional<RelationshipType> type);
 };
 
@@ -74,12 +89,17 @@ class ContactRelationshipView {
   public:
     [[nodiscard]] const ObjectID<AnyRelationship>& id() const noexcept { return relationship_.id(); }
     [[nodiscard]] const ObjectID<AnyRelationship>& objectID() const noexcept { return relationship_.objectID(); }
+    /// When the relationship was created; absent for a new one.
     [[nodiscard]] const std::optional<Date>& createDate() const noexcept { return relationship_.createDate(); }
+    /// A note on the relationship.
     [[nodiscard]] const std::optional<std::string>& details() const noexcept { return relationship_.details(); }
+    /// Sets the note; absent takes it away.
     void setDetails(std::optional<std::string> details) { relationship_.setDetails(std::move(details)); }
+    /// Absent when it is untyped.
     [[nodiscard]] const std::optional<RelationshipType>& relationshipType() const noexcept {
         return relationship_.relationshipType();
     }
+    /// Sets the type; absent leaves it untyped.
     void setRelationshipType(std::optional<RelationshipType> type) {
         relationship_.setRelationshipType(std::move(type));
     }
@@ -87,9 +107,13 @@ class ContactRelationshipView {
     friend bool operator==(const ContactRelationshipView&, const ContactRelationshipView&) = default;
 
   protected:
+    /// Of a relationship whose far end is a contact.
     explicit ContactRelationshipView(Relationship relationship) : relationship_(std::move(relationship)) {}
+    /// The relationship itself.
     [[nodiscard]] const Relationship& record() const noexcept { return relationship_; }
+    /// The contact at the far end.
     [[nodiscard]] const Contact& farContact() const noexcept { return *relationship_.contact(); }
+    /// Puts another contact at the far end.
     void setFarContact(Contact contact) { relationship_.setContact(std::move(contact)); }
 
   private:
@@ -114,6 +138,7 @@ class RelationshipDestination : public RelationshipEnd<RelationshipDestination> 
         return RelationshipDestination(NoPayload<2>{});
     }
 
+    /// Whether it could not be loaded.
     [[nodiscard]] bool isMissingDestination() const noexcept { return isMissing(); }
 
     friend bool operator==(const RelationshipDestination&, const RelationshipDestination&) = default;
@@ -125,8 +150,10 @@ class RelationshipDestination : public RelationshipEnd<RelationshipDestination> 
 
 /// A relationship seen from its source: it points to its destination.
 struct ToRelationship : SeenRelationship {
+    /// What it points to.
     using Destination = RelationshipDestination;
 
+    /// Missing until it is set.
     Destination destination = Destination::missingDestination();
 
     /// A stored relationship.
@@ -136,12 +163,14 @@ struct ToRelationship : SeenRelationship {
     ToRelationship(Destination end, std::optional<RelationshipType> type)
         : ToRelationship(newRecord(std::move(type)), std::move(end)) {}
 
-    // The destination when it is of that kind. Setting one makes it the destination; setting an absent one makes the
-    // destination missing when it was of that kind, and changes nothing otherwise.
+    ///@{
+    /// The destination when it is of that kind, else null. Setting one makes it the destination; setting an absent one
+    /// makes the destination missing when it was of that kind, and changes nothing otherwise.
     [[nodiscard]] const Contact* contact() const noexcept { return destination.contact(); }
     void setContact(std::optional<Contact> contact);
     [[nodiscard]] const Company* company() const noexcept { return destination.company(); }
     void setCompany(std::optional<Company> company);
+    ///@}
 
     friend bool operator==(const ToRelationship&, const ToRelationship&) = default;
 };
@@ -156,8 +185,11 @@ class ToContactRelationship : public ContactRelationshipView<ToRelationship> {
         : ContactRelationshipView(
               ToRelationship(ToRelationship::Destination::contact(std::move(contact)), std::move(type))) {}
 
+    /// The relationship itself.
     [[nodiscard]] const ToRelationship& toRelationshipRecord() const noexcept { return record(); }
+    /// The other contact.
     [[nodiscard]] const Contact& destination() const noexcept { return farContact(); }
+    /// Makes another contact the destination.
     void setDestination(Contact destination) { setFarContact(std::move(destination)); }
 
     friend bool operator==(const ToContactRelationship&, const ToContactRelationship&) = default;
@@ -181,6 +213,7 @@ class RelationshipSource : public RelationshipEnd<RelationshipSource> {
     /// It could not be loaded.
     [[nodiscard]] static RelationshipSource missingSource() { return RelationshipSource(NoPayload<2>{}); }
 
+    /// Whether it could not be loaded.
     [[nodiscard]] bool isMissingSource() const noexcept { return isMissing(); }
 
     friend bool operator==(const RelationshipSource&, const RelationshipSource&) = default;
@@ -192,8 +225,10 @@ class RelationshipSource : public RelationshipEnd<RelationshipSource> {
 
 /// A relationship seen from its destination: it points back to its source.
 struct FromRelationship : SeenRelationship {
+    /// What it points back to.
     using Source = RelationshipSource;
 
+    /// Missing until it is set.
     Source source = Source::missingSource();
 
     /// A stored relationship.
@@ -203,12 +238,14 @@ struct FromRelationship : SeenRelationship {
     FromRelationship(Source end, std::optional<RelationshipType> type)
         : FromRelationship(newRecord(std::move(type)), std::move(end)) {}
 
-    // The source when it is of that kind. Setting one makes it the source; setting an absent one makes the source
-    // missing when it was of that kind, and changes nothing otherwise.
+    ///@{
+    /// The source when it is of that kind, else null. Setting one makes it the source; setting an absent one makes the
+    /// source missing when it was of that kind, and changes nothing otherwise.
     [[nodiscard]] const Contact* contact() const noexcept { return source.contact(); }
     void setContact(std::optional<Contact> contact);
     [[nodiscard]] const Company* company() const noexcept { return source.company(); }
     void setCompany(std::optional<Company> company);
+    ///@}
 
     friend bool operator==(const FromRelationship&, const FromRelationship&) = default;
 };
@@ -223,8 +260,11 @@ class FromContactRelationship : public ContactRelationshipView<FromRelationship>
         : ContactRelationshipView(
               FromRelationship(FromRelationship::Source::contact(std::move(contact)), std::move(type))) {}
 
+    /// The relationship itself.
     [[nodiscard]] const FromRelationship& fromRelationshipRecord() const noexcept { return record(); }
+    /// The other contact.
     [[nodiscard]] const Contact& source() const noexcept { return farContact(); }
+    /// Makes another contact the source.
     void setSource(Contact source) { setFarContact(std::move(source)); }
 
     friend bool operator==(const FromContactRelationship&, const FromContactRelationship&) = default;
@@ -246,9 +286,11 @@ static_assert(FromRelationshipSpecialization<FromContactRelationship>);
 /// A relationship with another contact in either direction, for lists of them all.
 class ContactRelationship : public Choice<ContactRelationship, ToContactRelationship, FromContactRelationship> {
   public:
+    /// One of which the contact is the source.
     [[nodiscard]] static ContactRelationship to(ToContactRelationship relationship) {
         return ContactRelationship(std::move(relationship));
     }
+    /// One of which the contact is the destination.
     [[nodiscard]] static ContactRelationship from(FromContactRelationship relationship) {
         return ContactRelationship(std::move(relationship));
     }
@@ -258,8 +300,11 @@ class ContactRelationship : public Choice<ContactRelationship, ToContactRelation
 
     [[nodiscard]] const ObjectID<AnyRelationship>& id() const noexcept { return record().id(); }
     [[nodiscard]] const ObjectID<AnyRelationship>& objectID() const noexcept { return record().objectID(); }
+    /// When the relationship was created; absent for a new one.
     [[nodiscard]] const std::optional<Date>& createDate() const noexcept { return record().createDate; }
+    /// A note on the relationship.
     [[nodiscard]] const std::optional<std::string>& details() const noexcept { return record().details; }
+    /// Absent when it is untyped.
     [[nodiscard]] const std::optional<RelationshipType>& relationshipType() const noexcept {
         return record().relationshipType;
     }

@@ -36,12 +36,15 @@ struct EditRelationshipType {
     bool isForContact{};
     /// Read from the destination back to the source: "is child of".
     std::optional<std::string> reverseName{};
+    /// As `forwardName`, where there is little room.
     std::optional<std::string> shortForwardName{};
+    /// As `reverseName`, where there is little room.
     std::optional<std::string> shortReverseName{};
 
     [[nodiscard]] const ObjectID<RelationshipType>& objectID() const noexcept { return relationshipTypeID.get(); }
     [[nodiscard]] const ObjectID<RelationshipType>& id() const noexcept { return relationshipTypeID.get(); }
 
+    /// A copy of all members.
     [[nodiscard]] static EditRelationshipType fromRecord(const RelationshipType& record);
     /// The relationship type as edited.
     [[nodiscard]] RelationshipType record() const;
@@ -74,12 +77,15 @@ struct RelationshipType {
     ReadOnly<bool, RelationshipType> isForContact{};
     /// Read from the destination back to the source: "is child of".
     ReadOnly<std::optional<std::string>, RelationshipType> reverseName{};
+    /// As `forwardName`, where there is little room.
     ReadOnly<std::optional<std::string>, RelationshipType> shortForwardName{};
+    /// As `reverseName`, where there is little room.
     ReadOnly<std::optional<std::string>, RelationshipType> shortReverseName{};
 
     [[nodiscard]] const ObjectID<RelationshipType>& objectID() const noexcept { return relationshipTypeID.get(); }
     [[nodiscard]] const ObjectID<RelationshipType>& id() const noexcept { return relationshipTypeID.get(); }
 
+    /// A copy to be edited.
     [[nodiscard]] EditRelationshipType edit() const { return EditRelationshipType::fromRecord(*this); }
 
     friend bool operator==(const RelationshipType&, const RelationshipType&) = default;

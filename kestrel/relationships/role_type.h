@@ -14,7 +14,10 @@
 namespace kestrel {
 
 /// What a role type describes: a person or an organisation.
-enum class RoleTypeAppliesTo : std::uint8_t { contact = 0, organization = 1 };
+enum class RoleTypeAppliesTo : std::uint8_t {
+    contact = 0,      ///< a person
+    organization = 1  ///< an organisation
+};
 
 struct AnyRoleType;
 class ContactRoleType;
@@ -45,11 +48,13 @@ struct EditAnyRoleType {
     bool isForOpportunity{};
     /// May be used for roles on projects.
     bool isForProject{};
+    /// The name to show; without one it has no typed view.
     std::optional<std::string> name{};
 
     [[nodiscard]] const ObjectID<AnyRoleType>& objectID() const noexcept { return roleTypeID.get(); }
     [[nodiscard]] const ObjectID<AnyRoleType>& id() const noexcept { return roleTypeID.get(); }
 
+    /// A copy of all members.
     [[nodiscard]] static EditAnyRoleType fromRecord(const AnyRoleType& record);
     /// The role type as edited.
     [[nodiscard]] AnyRoleType record() const;
@@ -62,6 +67,7 @@ extern template struct Codec<EditAnyRoleType>;
 struct AnyRoleType {
     static constexpr auto recordName = recordNameOf<AnyRoleType>;
     static constexpr auto entityName = entityNameOf<AnyRoleType>;
+    /// What `appliesTo` tells.
     using AppliesTo = RoleTypeAppliesTo;
 
     ReadOnly<ObjectID<AnyRoleType>, AnyRoleType> roleTypeID;
@@ -85,11 +91,13 @@ struct AnyRoleType {
     ReadOnly<bool, AnyRoleType> isForOpportunity{};
     /// May be used for roles on projects.
     ReadOnly<bool, AnyRoleType> isForProject{};
+    /// The name to show; without one it has no typed view.
     ReadOnly<std::optional<std::string>, AnyRoleType> name{};
 
     [[nodiscard]] const ObjectID<AnyRoleType>& objectID() const noexcept { return roleTypeID.get(); }
     [[nodiscard]] const ObjectID<AnyRoleType>& id() const noexcept { return roleTypeID.get(); }
 
+    /// A copy to be edited.
     [[nodiscard]] EditAnyRoleType edit() const { return EditAnyRoleType::fromRecord(*this); }
     /// The typed view of a named role type that describes a person; absent for others.
     [[nodiscard]] std::optional<ContactRoleType> contactRoleType() const;
@@ -107,14 +115,21 @@ class ContactRoleType {
     /// part.
     [[nodiscard]] static std::optional<ContactRoleType> from(const AnyRoleType& roleType);
 
+    /// The role type itself.
     [[nodiscard]] const AnyRoleType& roleTypeRecord() const noexcept { return backingRoleType_; }
     [[nodiscard]] const ObjectID<AnyRoleType>& id() const noexcept { return backingRoleType_.id(); }
     [[nodiscard]] const ObjectID<AnyRoleType>& objectID() const noexcept { return backingRoleType_.id(); }
+    /// Its name, which is always there.
     [[nodiscard]] const std::string& name() const noexcept { return *backingRoleType_.name.get(); }
+    /// Whether it is offered for new roles.
     [[nodiscard]] bool isActive() const noexcept { return backingRoleType_.isActive; }
+    /// When the role type was created.
     [[nodiscard]] const std::optional<Date>& createDate() const noexcept { return backingRoleType_.createDate; }
+    /// May be used for roles at companies.
     [[nodiscard]] bool isForCompany() const noexcept { return backingRoleType_.isForCompany; }
+    /// May be used for roles on opportunities.
     [[nodiscard]] bool isForOpportunity() const noexcept { return backingRoleType_.isForOpportunity; }
+    /// May be used for roles on projects.
     [[nodiscard]] bool isForProject() const noexcept { return backingRoleType_.isForProject; }
 
     friend bool operator==(const ContactRoleType&, const ContactRoleType&) = default;
@@ -135,13 +150,19 @@ class CompanyRoleType {
     /// part.
     [[nodiscard]] static std::optional<CompanyRoleType> from(const AnyRoleType& roleType);
 
+    /// The role type itself.
     [[nodiscard]] const AnyRoleType& roleTypeRecord() const noexcept { return backingRoleType_; }
     [[nodiscard]] const ObjectID<AnyRoleType>& id() const noexcept { return backingRoleType_.id(); }
     [[nodiscard]] const ObjectID<AnyRoleType>& objectID() const noexcept { return backingRoleType_.id(); }
+    /// Its name, which is always there.
     [[nodiscard]] const std::string& name() const noexcept { return *backingRoleType_.name.get(); }
+    /// Whether it is offered for new roles.
     [[nodiscard]] bool isActive() const noexcept { return backingRoleType_.isActive; }
+    /// When the role type was created.
     [[nodiscard]] const std::optional<Date>& createDate() const noexcept { return backingRoleType_.createDate; }
+    /// May be used for roles on opportunities.
     [[nodiscard]] bool isForOpportunity() const noexcept { return backingRoleType_.isForOpportunity; }
+    /// May be used for roles on projects.
     [[nodiscard]] bool isForProject() const noexcept { return backingRoleType_.isForProject; }
 
     friend bool operator==(const CompanyRoleType&, const CompanyRoleType&) = default;

@@ -41,6 +41,7 @@ class ServiceEntry final : public Forwarding<Protocol> {
         implementation_->reset();
         return *this;
     }
+    /// What is installed at that moment. fatal(), naming the protocol, when nothing is.
     [[nodiscard]] std::shared_ptr<Protocol> target() const override;
 
   private:

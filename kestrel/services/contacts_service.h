@@ -14,6 +14,7 @@ namespace kestrel {
 /// Contacts as the signed-in user may see them.
 class ContactsService : public ServiceProtocol {
   public:
+    /// As it is now.
     [[nodiscard]] virtual AnyPublisher<Contact, ReadError> fetchContact(const ObjectID<Contact>& id) = 0;
     /// With roles, relationships and owner.
     [[nodiscard]] virtual AnyPublisher<ContactInfo, ReadError> fetchContactInfo(const ObjectID<Contact>& id) = 0;
@@ -26,6 +27,7 @@ class ContactsService : public ServiceProtocol {
         const ContactLinkQuery& query) = 0;
     /// Stores it as it is given, a new one under an identifier of its own; what was stored.
     [[nodiscard]] virtual AnyPublisher<Contact, UpdateError> updateContact(const Contact& contact) = 0;
+    /// Deletes it softly; it is found no more.
     [[nodiscard]] virtual AnyPublisher<Never, UpdateError> deleteContact(const ObjectID<Contact>& id) = 0;
 };
 

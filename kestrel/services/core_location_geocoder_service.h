@@ -12,11 +12,13 @@ namespace kestrel {
 /// asked for again. Failures are not remembered, and a question under way is not shared.
 class CoreLocationGeocoderService final : public AddressGeocoderService {
   public:
+    /// Makes a geocoder for one question.
     using MakeGeocoder = std::function<std::unique_ptr<GeocoderProtocol>()>;
 
     /// How many addresses are remembered.
     static constexpr std::size_t capacity = 100;
 
+    /// A function that is empty is a mistake in the program: fatal().
     explicit CoreLocationGeocoderService(MakeGeocoder makeGeocoder);
 
     [[nodiscard]] AnyPublisher<Placemark, GeocodeError> geocode(const PostalAddress& address) override;

@@ -17,10 +17,14 @@ inline constexpr auto enumerationForm<MailClient> = EnumerationForm::keyed;
 
 /// Which mail clients can send mail, and which one the user prefers.
 struct EmailCapabilities {
+    /// The user's preference, whatever can send.
     bool prefersKestrelMail{};
+    /// Whether the application itself can send.
     bool canSendKestrelMail{};
+    /// Whether the system has a mail application that can send.
     bool canSendSystemMail{};
 
+    /// Whether anything can.
     [[nodiscard]] constexpr bool canSendMail() const noexcept { return canSendKestrelMail || canSendSystemMail; }
     /// Where to write a new message; absent when nothing can send it. Only a preference for the application's own mail
     /// leads there, and only when that can send: else it is the system's, whatever the application could do.

@@ -13,6 +13,7 @@ namespace kestrel {
 /// that observation fails, and so do further ones while any is held: only when all are gone is it tried again.
 class LiveReachabilityService final : public ReachabilityService {
   public:
+    /// Null is a mistake in the program: fatal().
     explicit LiveReachabilityService(std::shared_ptr<ReachabilityProtocol> source);
 
     [[nodiscard]] ReachabilityStatus currentStatus() const override;

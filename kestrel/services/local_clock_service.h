@@ -11,6 +11,7 @@ namespace kestrel {
 /// The clock of the system, or of whatever queue it is given: a test gives one whose time stands still.
 class LocalClockService final : public SystemClockService {
   public:
+    /// On that queue. Null is a mistake in the program: fatal().
     explicit LocalClockService(std::shared_ptr<MainQueue> mainQueue)
         : scheduler_(required(std::move(mainQueue), "The main queue of a clock")) {}
 

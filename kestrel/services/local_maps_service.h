@@ -11,6 +11,7 @@ namespace kestrel {
 /// The maps of the desktop.
 class LocalMapsService final : public SystemMapsService {
   public:
+    /// With that application. Null is a mistake in the program: fatal().
     explicit LocalMapsService(std::shared_ptr<MapApplication> maps)
         : maps_(required(std::move(maps), "The maps application")) {}
 

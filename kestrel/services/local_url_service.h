@@ -11,6 +11,7 @@ namespace kestrel {
 /// The applications of the desktop.
 class LocalURLService final : public SystemURLService {
   public:
+    /// With the applications of that desktop. Null is a mistake in the program: fatal().
     explicit LocalURLService(std::shared_ptr<Workspace> workspace)
         : workspace_(required(std::move(workspace), "The workspace of URLs")) {}
 

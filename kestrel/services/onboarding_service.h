@@ -75,17 +75,20 @@ class OnboardingService : public ServiceProtocol {
     virtual void dismissGetStartedSheet() = 0;
     /// What is remembered about the banner.
     [[nodiscard]] virtual UserDefaultGetStartedBanner getStartedBanner() const = 0;
+    /// Remembers it.
     virtual void setGetStartedBanner(UserDefaultGetStartedBanner value) = 0;
     /// Reads, changes and stores it in one step.
     virtual void modifyGetStartedBanner(const std::function<void(UserDefaultGetStartedBanner&)>& change) = 0;
     /// What is remembered about the sheet.
     [[nodiscard]] virtual UserDefaultGetStartedSheetOnFirstLogin getStartedSheetOnFirstLogin() const = 0;
+    /// Remembers it.
     virtual void setGetStartedSheetOnFirstLogin(UserDefaultGetStartedSheetOnFirstLogin value) = 0;
     /// Reads, changes and stores it in one step.
     virtual void modifyGetStartedSheetOnFirstLogin(
         const std::function<void(UserDefaultGetStartedSheetOnFirstLogin&)>& change) = 0;
     /// Whether the user has said to have a Mac.
     [[nodiscard]] virtual UserDefaultHasMac readHasMac() const = 0;
+    /// Remembers it.
     virtual void storeHasMac(UserDefaultHasMac value) = 0;
     /// Invites them to the company.
     [[nodiscard]] virtual AnyPublisher<Never, CloudError> inviteColleagues(std::vector<std::string> emails) = 0;

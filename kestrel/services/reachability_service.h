@@ -7,8 +7,14 @@
 
 namespace kestrel {
 
-enum class ReachabilityStatus : std::uint8_t { notReachable, reachableViaWiFi, reachableViaWWAN };
+/// How the network is reached.
+enum class ReachabilityStatus : std::uint8_t {
+    notReachable,      ///< not at all
+    reachableViaWiFi,  ///< through Wi-Fi or a cable
+    reachableViaWWAN   ///< through a cellular network
+};
 
+/// Why the network cannot be observed.
 enum class ReachabilityError : std::uint8_t {
     failedToStartNotifier,  ///< the network cannot be watched
 };

@@ -11,7 +11,10 @@
 namespace kestrel {
 
 /// Where the clock stands when something happens.
-enum class ClockInterval : std::uint8_t { topOfTheMinute, topOfTheHour };
+enum class ClockInterval : std::uint8_t {
+    topOfTheMinute,  ///< each time that a minute starts
+    topOfTheHour     ///< each time that an hour starts
+};
 
 /// The time, and what happens at certain times. Values are delivered on the main thread.
 class SystemClockService : public ServiceProtocol {

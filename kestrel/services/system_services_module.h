@@ -16,8 +16,10 @@ namespace kestrel {
 ///
 /// and nothing else. For use on the main thread.
 struct SystemServicesModule {
+    /// What Runtime::moduleNames tells.
     std::string moduleName = "SystemServices";
 
+    /// Installs them, in the place of what was installed before.
     void registerIn(Runtime& runtime) const;
 
     friend bool operator==(const SystemServicesModule&, const SystemServicesModule&) = default;

@@ -48,6 +48,7 @@ class SystemUserDefaultsService : public ServiceProtocol {
         return UserDefaultsRepresentation<Value>::fromStored(
             readStored(name, UserDefaultsRepresentation<Value>::readStoredValue));
     }
+    /// Stores a value; one that its type stores as nothing removes the entry. An error leaves what was there.
     template <UserDefaultsRepresentable Value>
     DefaultsWritten write(const Value& value, std::string_view name) {
         return writeStored(UserDefaultsRepresentation<Value>::userDefaultsStorage(value), name);
@@ -65,6 +66,7 @@ class SystemUserDefaultsService : public ServiceProtocol {
     [[nodiscard]] typename Key::Value get(const Key& key) const {
         return read<typename Key::Value>(key.key).value_or(Key::defaultValue);
     }
+    /// Stores the value of a key. An error leaves what was there.
     template <UserDefaultsKey Key>
     DefaultsWritten set(const typename Key::Value& value, const Key& key) {
         return write(value, key.key);

@@ -155,9 +155,12 @@ using StoredValueReader = std::optional<DefaultsValue> (*)(std::string_view name
 
 /// A type of preferences, as far as stored forms go: how one is read, and whether two of them are equal values.
 struct StoredValueType {
+    /// Reads one from a store.
     StoredValueReader read;
+    /// Whether two stored forms read as the same value.
     bool (*areEqual)(const std::optional<DefaultsValue>& a, const std::optional<DefaultsValue>& b);
 };
+/// What a preference of that type does.
 template <UserDefaultsRepresentable Value>
 inline constexpr StoredValueType storedValueType{
     .read = UserDefaultsRepresentation<Value>::readStoredValue,

@@ -10,9 +10,11 @@ namespace kestrel {
 /// The preferences in a store.
 class UserDefaultsService final : public SystemUserDefaultsService {
   public:
+    /// In that store. Null is a mistake in the program: fatal().
     explicit UserDefaultsService(std::shared_ptr<UserDefaultsStore> store)
         : userDefaults_(required(std::move(store), "The store of user defaults")) {}
 
+    /// The store; never null.
     [[nodiscard]] const std::shared_ptr<UserDefaultsStore>& userDefaults() const noexcept { return userDefaults_; }
 
     [[nodiscard]] std::optional<DefaultsValue> readStored(std::string_view name,

@@ -9,6 +9,7 @@
 
 namespace kestrel {
 
+/// The payload of CredentialValidationError::cannotAuthenticate.
 struct CannotAuthenticate {
     /// Not from every error, for the reason that ErrorPayload gives (named_choice.h).
     template <std::same_as<std::optional<AnyError>> E>
@@ -24,11 +25,14 @@ struct CannotAuthenticate {
 class CredentialValidationError
     : public Choice<CredentialValidationError, CannotAuthenticate, NoPayload<1>, NoPayload<2>, NoPayload<3>> {
   public:
+    /// The payload of the case of that name.
     using CannotAuthenticate = kestrel::CannotAuthenticate;
 
+    /// The password is wrong, or checking it failed.
     [[nodiscard]] static CredentialValidationError cannotAuthenticate(std::optional<AnyError> error) {
         return CredentialValidationError(CannotAuthenticate{std::move(error)});
     }
+    /// The server cannot be reached.
     [[nodiscard]] static CredentialValidationError noInternetConnection() {
         return CredentialValidationError(NoPayload<1>{});
     }

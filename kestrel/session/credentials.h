@@ -15,10 +15,14 @@ namespace kestrel {
 template <class T>
 concept AuthorizationCredential = std::equality_comparable<T> && requires { typename T::AuthorizesLogin; };
 
+/// A name and a password that the platform has filled in.
 struct PasswordCredential {
+    /// Says that an authorisation can return it.
     using AuthorizesLogin = void;
 
+    /// The name to sign in with.
     std::string username{};
+    /// Secret; not to be stored or logged.
     std::string password{};
 
     friend bool operator==(const PasswordCredential&, const PasswordCredential&) = default;
@@ -27,14 +31,21 @@ static_assert(AuthorizationCredential<PasswordCredential>);
 
 /// The assertion of a passkey (WebAuthn).
 struct PasskeyAuthorizationPublicKeyCredential {
+    /// Says that an authorisation can return it.
     using AuthorizesLogin = void;
 
+    /// Over the authenticator's data and the hash of the client's.
     Data signature{};
+    /// What was signed for: the challenge and where it came from, as JSON.
     Data clientDataJSON{};
+    /// What the authenticator says of itself.
     Data authenticatorData{};
+    /// The user handle that was stored with the passkey.
     Data userID{};
+    /// Identifies the passkey.
     Data credentialIdentifier{};
 
+    /// Equal when all members are.
     friend bool operator==(const PasskeyAuthorizationPublicKeyCredential&,
                            const PasskeyAuthorizationPublicKeyCredential&) = default;
 };
@@ -46,24 +57,35 @@ enum class PasskeyAuthorizationTransactionError : std::uint8_t {
     unexpectedCredentialType,           ///< the credential is of a kind that the login did not ask for
 };
 
+/// The payload of AuthenticationCredentialSet::basic.
 struct BasicCredential {
+    /// The address of the account.
     std::string email{};
+    /// Secret; not to be stored or logged.
     std::string password{};
 
     friend bool operator==(const BasicCredential&, const BasicCredential&) = default;
 };
 
+/// The payload of AuthenticationCredentialSet::withOneTimeCode.
 struct OneTimeCodeCredential {
+    /// The address of the account.
     std::string email{};
+    /// Secret; not to be stored or logged.
     std::string password{};
+    /// As the user typed it.
     std::string oneTimeCode{};
 
     friend bool operator==(const OneTimeCodeCredential&, const OneTimeCodeCredential&) = default;
 };
 
+/// The payload of AuthenticationCredentialSet::withRecoveryCode.
 struct RecoveryCodeCredential {
+    /// The address of the account.
     std::string email{};
+    /// Secret; not to be stored or logged.
     std::string password{};
+    /// As the user typed it; a recovery code is good once.
     std::string recoveryCode{};
 
     friend bool operator==(const RecoveryCodeCredential&, const RecoveryCodeCredential&) = default;
@@ -74,19 +96,23 @@ class AuthenticationCredentialSet
     : public Choice<AuthenticationCredentialSet, BasicCredential, OneTimeCodeCredential, RecoveryCodeCredential,
                     PasskeyAuthorizationPublicKeyCredential, std::string> {
   public:
+    /// Address and password.
     [[nodiscard]] static AuthenticationCredentialSet basic(std::string email, std::string password) {
         return AuthenticationCredentialSet(BasicCredential{.email = std::move(email), .password = std::move(password)});
     }
+    /// Address, password and a code that is good for a short time, as second factor.
     [[nodiscard]] static AuthenticationCredentialSet withOneTimeCode(std::string email, std::string password,
                                                                      std::string oneTimeCode) {
         return AuthenticationCredentialSet(OneTimeCodeCredential{
             .email = std::move(email), .password = std::move(password), .oneTimeCode = std::move(oneTimeCode)});
     }
+    /// Address, password and one of the codes for who has lost the second factor.
     [[nodiscard]] static AuthenticationCredentialSet withRecoveryCode(std::string email, std::string password,
                                                                       std::string recoveryCode) {
         return AuthenticationCredentialSet(RecoveryCodeCredential{
             .email = std::move(email), .password = std::move(password), .recoveryCode = std::move(recoveryCode)});
     }
+    /// The assertion of a passkey.
     [[nodiscard]] static AuthenticationCredentialSet passkey(PasskeyAuthorizationPublicKeyCredential credential) {
         return AuthenticationCredentialSet(std::move(credential));
     }

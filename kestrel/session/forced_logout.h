@@ -19,10 +19,12 @@ inline constexpr auto enumerationForm<ForcedLogoutReason> = EnumerationForm::cas
 
 /// A sign-out that the server, or the state of the local database, orders.
 struct ForcedLogout {
+    /// What `reason` tells.
     using Reason = ForcedLogoutReason;
 
     /// The company whose session ends.
     std::string companyName{};
+    /// Why.
     Reason reason{};
 
     /// What a failed synchronisation orders: a sign-out when the device or the user may not go on. Absent for every

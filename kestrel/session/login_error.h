@@ -9,34 +9,39 @@
 
 namespace kestrel {
 
+/// The cases of LoginError, without what they carry.
 enum class LoginErrorCaseName : std::uint8_t {
-    localizedError,
-    invalidToken,
-    oneTimeCodeRequired,
-    mfaRequired,
-    invalidVerificationCode,
-    invalidRecoveryCode,
-    invalidAuthenticationResponse,
-    authorizationError,
-    authorizationCancelled,
-    unsupportedAuthenticationMethod,
-    environmentError,
-    offlineSetupError,
-    offlineDownloadError,
-    corruptDatabase,
-    cancelled,
-    unknown,
+    localizedError,                   ///< LoginError::localizedError
+    invalidToken,                     ///< LoginError::invalidToken
+    oneTimeCodeRequired,              ///< LoginError::oneTimeCodeRequired
+    mfaRequired,                      ///< LoginError::mfaRequired
+    invalidVerificationCode,          ///< LoginError::invalidVerificationCode
+    invalidRecoveryCode,              ///< LoginError::invalidRecoveryCode
+    invalidAuthenticationResponse,    ///< LoginError::invalidAuthenticationResponse
+    authorizationError,               ///< LoginError::authorizationError
+    authorizationCancelled,           ///< LoginError::authorizationCancelled
+    unsupportedAuthenticationMethod,  ///< LoginError::unsupportedAuthenticationMethod
+    environmentError,                 ///< LoginError::environmentError
+    offlineSetupError,                ///< LoginError::offlineSetupError
+    offlineDownloadError,             ///< LoginError::offlineDownloadError
+    corruptDatabase,                  ///< LoginError::corruptDatabase
+    cancelled,                        ///< LoginError::cancelled
+    unknown,                          ///< LoginError::unknown
 };
 template <>
 inline constexpr auto enumerationForm<LoginErrorCaseName> = EnumerationForm::caseText;
 
+/// The payload of LoginError::mfaRequired.
 struct LoginErrorMFARequired {
+    /// The company that asks for it.
     std::string companyName{};
 
     friend bool operator==(const LoginErrorMFARequired&, const LoginErrorMFARequired&) = default;
 };
 
+/// The payload of LoginError::unsupportedAuthenticationMethod.
 struct LoginErrorUnsupportedMethod {
+    /// What the server says about it.
     std::string message{};
 
     friend bool operator==(const LoginErrorUnsupportedMethod&, const LoginErrorUnsupportedMethod&) = default;
@@ -48,20 +53,26 @@ class LoginError : public NamedChoice<LoginError, LoginErrorCaseName, ErrorPaylo
                                       ErrorPayload<7>, NoPayload<8>, LoginErrorUnsupportedMethod, ErrorPayload<10>,
                                       ErrorPayload<11>, ErrorPayload<12>, NoPayload<13>, NoPayload<14>, NoPayload<15>> {
   public:
+    /// The payload of `mfaRequired`.
     using MFARequired = LoginErrorMFARequired;
+    /// The payload of `unsupportedAuthenticationMethod`.
     using UnsupportedMethod = LoginErrorUnsupportedMethod;
 
     /// An error that has texts for the user.
     [[nodiscard]] static LoginError localizedError(AnyError error) {
         return make<CaseName::localizedError>(std::move(error));
     }
+    /// The server does not accept the token, or no longer.
     [[nodiscard]] static LoginError invalidToken() { return make<CaseName::invalidToken>(); }
+    /// The account asks for a one-time code beside the password.
     [[nodiscard]] static LoginError oneTimeCodeRequired() { return make<CaseName::oneTimeCodeRequired>(); }
     /// The company asks for a second factor.
     [[nodiscard]] static LoginError mfaRequired(std::string companyName) {
         return make<CaseName::mfaRequired>(std::move(companyName));
     }
+    /// The one-time code is wrong, or its time is over.
     [[nodiscard]] static LoginError invalidVerificationCode() { return make<CaseName::invalidVerificationCode>(); }
+    /// The recovery code is wrong, or was used.
     [[nodiscard]] static LoginError invalidRecoveryCode() { return make<CaseName::invalidRecoveryCode>(); }
     /// The server's answer could not be understood.
     [[nodiscard]] static LoginError invalidAuthenticationResponse(AnyError error) {
@@ -73,9 +84,11 @@ class LoginError : public NamedChoice<LoginError, LoginErrorCaseName, ErrorPaylo
     }
     /// The user cancelled the platform's authorisation.
     [[nodiscard]] static LoginError authorizationCancelled() { return make<CaseName::authorizationCancelled>(); }
+    /// The account signs in in a way that this client does not know.
     [[nodiscard]] static LoginError unsupportedAuthenticationMethod(std::string message) {
         return make<CaseName::unsupportedAuthenticationMethod>(std::move(message));
     }
+    /// The place in which the program runs does not allow it.
     [[nodiscard]] static LoginError environmentError(AnyError error) {
         return make<CaseName::environmentError>(std::move(error));
     }
@@ -87,9 +100,11 @@ class LoginError : public NamedChoice<LoginError, LoginErrorCaseName, ErrorPaylo
     [[nodiscard]] static LoginError offlineDownloadError(AnyError error) {
         return make<CaseName::offlineDownloadError>(std::move(error));
     }
+    /// The local database cannot be read.
     [[nodiscard]] static LoginError corruptDatabase() { return make<CaseName::corruptDatabase>(); }
     /// The user cancelled the login.
     [[nodiscard]] static LoginError cancelled() { return make<CaseName::cancelled>(); }
+    /// Nothing better is known.
     [[nodiscard]] static LoginError unknown() { return make<CaseName::unknown>(); }
 
     [[nodiscard]] std::optional<AnyError> localizedError() const { return errorOf<CaseName::localizedError>(); }

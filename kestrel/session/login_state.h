@@ -12,7 +12,9 @@ namespace kestrel {
 
 /// A company that an account belongs to.
 struct LoginStateCompany {
+    /// The company's identifier on the server.
     std::int64_t id{};
+    /// What the company is called.
     std::string name{};
 
     friend bool operator==(const LoginStateCompany&, const LoginStateCompany&) = default;
@@ -20,21 +22,24 @@ struct LoginStateCompany {
 
 /// How far the download of a company's data has come.
 struct LoginStateDownloadInfo {
+    /// The company that was chosen.
     std::string companyName{};
     /// The e-mail address of the account.
     std::string email{};
+    /// How far it is.
     ProgressSnapshot progress{};
 
     friend bool operator==(const LoginStateDownloadInfo&, const LoginStateDownloadInfo&) = default;
 };
 
+/// The cases of LoginState, without what they carry.
 enum class LoginStateCaseName : std::uint8_t {
-    userEmailIdentified,
-    authenticating,
-    enterOneTimeCode,
-    enterRecoveryCode,
-    selectCompany,
-    downloading,
+    userEmailIdentified,  ///< LoginState::userEmailIdentified
+    authenticating,       ///< LoginState::authenticating
+    enterOneTimeCode,     ///< LoginState::enterOneTimeCode
+    enterRecoveryCode,    ///< LoginState::enterRecoveryCode
+    selectCompany,        ///< LoginState::selectCompany
+    downloading,          ///< LoginState::downloading
 };
 template <>
 inline constexpr auto enumerationForm<LoginStateCaseName> = EnumerationForm::caseText;
@@ -44,7 +49,9 @@ inline constexpr auto enumerationForm<LoginStateCaseName> = EnumerationForm::cas
 class LoginState : public NamedChoice<LoginState, LoginStateCaseName, std::string, NoPayload<1>, NoPayload<2>,
                                       NoPayload<3>, std::vector<LoginStateCompany>, LoginStateDownloadInfo> {
   public:
+    /// One of those to pick from.
     using Company = LoginStateCompany;
+    /// The payload of `downloading`.
     using DownloadInfo = LoginStateDownloadInfo;
 
     /// The user of that e-mail address is known; the next input is a credential.
@@ -53,7 +60,9 @@ class LoginState : public NamedChoice<LoginState, LoginStateCaseName, std::strin
     }
     /// Credentials have been submitted and are being checked.
     [[nodiscard]] static LoginState authenticating() { return make<CaseName::authenticating>(); }
+    /// The next input is a one-time code, with the password.
     [[nodiscard]] static LoginState enterOneTimeCode() { return make<CaseName::enterOneTimeCode>(); }
+    /// The next input is a recovery code, with the password.
     [[nodiscard]] static LoginState enterRecoveryCode() { return make<CaseName::enterRecoveryCode>(); }
     /// The account belongs to several companies, of which the user picks one.
     [[nodiscard]] static LoginState selectCompany(std::vector<Company> companies) {

@@ -27,6 +27,7 @@ struct ErrorPayload {
     template <std::same_as<AnyError> E>
     explicit ErrorPayload(E carried) : error(std::move(carried)) {}
 
+    /// What is carried; never empty.
     AnyError error;
 
     friend bool operator==(const ErrorPayload&, const ErrorPayload&) = default;
@@ -60,6 +61,7 @@ constexpr bool standsAt(std::size_t place, const ErrorPayload<Which>* /*type*/) 
 template <class Derived, TextBacked Name, class... Payloads>
 class NamedChoice : public Choice<Derived, Payloads...> {
   public:
+    /// The enumeration of the cases.
     using CaseName = Name;
 
     /// The case without its payload.
@@ -68,11 +70,15 @@ class NamedChoice : public Choice<Derived, Payloads...> {
     friend bool operator==(const NamedChoice&, const NamedChoice&) = default;
 
   protected:
+    /// For the constructor of what derives from this.
     using Base = NamedChoice;
+    /// What holds the payload, in the order of the cases.
     using Variant = typename Choice<Derived, Payloads...>::Variant;
 
+    /// From a payload at its place.
     explicit NamedChoice(Variant value) : Choice<Derived, Payloads...>(std::move(value)) { check(); }
 
+    /// The case of that name, with a payload made of the arguments.
     template <Name name, class... Arguments>
     [[nodiscard]] static Derived make(Arguments&&... arguments) {
         return CodingAccess::make<Derived>(

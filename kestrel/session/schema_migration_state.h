@@ -9,7 +9,13 @@
 
 namespace kestrel {
 
-enum class SchemaMigrationStateCaseName : std::uint8_t { ready, running, finished, failed };
+/// The cases of SchemaMigrationState, without what they carry.
+enum class SchemaMigrationStateCaseName : std::uint8_t {
+    ready,     ///< SchemaMigrationState::ready
+    running,   ///< SchemaMigrationState::running
+    finished,  ///< SchemaMigrationState::finished
+    failed     ///< SchemaMigrationState::failed
+};
 template <>
 inline constexpr auto enumerationForm<SchemaMigrationStateCaseName> = EnumerationForm::caseText;
 
@@ -20,10 +26,13 @@ class SchemaMigrationState : public NamedChoice<SchemaMigrationState, SchemaMigr
   public:
     /// Not needed, or not started.
     [[nodiscard]] static SchemaMigrationState ready() { return make<CaseName::ready>(); }
+    /// Under way; how far it is.
     [[nodiscard]] static SchemaMigrationState running(ProgressSnapshot progress) {
         return make<CaseName::running>(progress);
     }
+    /// Done: the database can be used.
     [[nodiscard]] static SchemaMigrationState finished() { return make<CaseName::finished>(); }
+    /// Given up: the database cannot be used.
     [[nodiscard]] static SchemaMigrationState failed(SchemaMigrationError error) {
         return make<CaseName::failed>(error);
     }

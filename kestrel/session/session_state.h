@@ -13,7 +13,13 @@ enum class SessionStateLoggedIn : std::uint8_t {
     ready,            ///< usable
 };
 
-enum class SessionStateCaseName : std::uint8_t { loggingOut, loggedOut, loggingIn, loggedIn };
+/// The cases of SessionState, without what they carry.
+enum class SessionStateCaseName : std::uint8_t {
+    loggingOut,  ///< SessionState::loggingOut
+    loggedOut,   ///< SessionState::loggedOut
+    loggingIn,   ///< SessionState::loggingIn
+    loggedIn     ///< SessionState::loggedIn
+};
 template <>
 inline constexpr auto enumerationForm<SessionStateCaseName> = EnumerationForm::caseText;
 
@@ -21,6 +27,7 @@ inline constexpr auto enumerationForm<SessionStateCaseName> = EnumerationForm::c
 class SessionState : public NamedChoice<SessionState, SessionStateCaseName, NoPayload<0>, NoPayload<1>, NoPayload<2>,
                                         SessionStateLoggedIn> {
   public:
+    /// The payload of the case of that name.
     using LoggedIn = SessionStateLoggedIn;
 
     /// Sign-out is in progress.

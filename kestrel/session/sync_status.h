@@ -9,6 +9,7 @@
 
 namespace kestrel {
 
+/// The payload of SyncError::syncFailure.
 struct SyncFailure {
     /// For developers.
     std::optional<std::string> reason{};
@@ -19,8 +20,10 @@ struct SyncFailure {
 /// Why the local database could not be brought up to date with the server.
 class SyncError : public Choice<SyncError, SyncFailure, NoPayload<1>, NoPayload<2>> {
   public:
+    /// The payload of the case of that name.
     using SyncFailure = kestrel::SyncFailure;
 
+    /// The exchange with the server failed; with the reason when it is known.
     [[nodiscard]] static SyncError syncFailure(std::optional<std::string> reason) {
         return SyncError(SyncFailure{std::move(reason)});
     }
@@ -42,7 +45,9 @@ class SyncError : public Choice<SyncError, SyncFailure, NoPayload<1>, NoPayload<
 /// How a run ended.
 class SyncResult : public Choice<SyncResult, NoPayload<0>, SyncError> {
   public:
+    /// The database is up to date.
     [[nodiscard]] static SyncResult success() { return SyncResult(NoPayload<0>{}); }
+    /// It could not be brought up to date.
     [[nodiscard]] static SyncResult failure(SyncError error) { return SyncResult(std::move(error)); }
 
     [[nodiscard]] std::optional<SyncError> failure() const { return payload<SyncError>(); }
@@ -55,10 +60,14 @@ class SyncResult : public Choice<SyncResult, NoPayload<0>, SyncError> {
 
 /// One run of the synchronisation with the server, from `startDate` to `endDate`.
 struct SyncStatus {
+    /// What `result` tells.
     using Result = SyncResult;
 
+    /// How the run ended.
     Result result;
+    /// When the run began.
     Date startDate{};
+    /// When the run ended.
     Date endDate{};
 
     friend bool operator==(const SyncStatus&, const SyncStatus&) = default;
@@ -67,7 +76,9 @@ struct SyncStatus {
 /// What a run reports: that it started, then that it finished, and how.
 class SyncEvent : public Choice<SyncEvent, NoPayload<0>, SyncStatus> {
   public:
+    /// A run has begun.
     [[nodiscard]] static SyncEvent started() { return SyncEvent(NoPayload<0>{}); }
+    /// A run has ended, and how.
     [[nodiscard]] static SyncEvent finished(SyncStatus status) { return SyncEvent(std::move(status)); }
 
     [[nodiscard]] std::optional<SyncStatus> finished() const { return payload<SyncStatus>(); }

@@ -14,10 +14,12 @@ struct UserErrorMessage {
     /// An empty message is none.
     UserErrorMessage(std::string titleText, std::optional<std::string> messageText);
 
+    /// What happened, in a line.
     ReadOnly<std::string, UserErrorMessage> title;
     /// Never empty.
     ReadOnly<std::optional<std::string>, UserErrorMessage> message;
 
+    /// Without a message.
     [[nodiscard]] static UserErrorMessage titleOnly(std::string titleText);
     /// The description alone.
     [[nodiscard]] static UserErrorMessage usingDescription(const AnyError& from);

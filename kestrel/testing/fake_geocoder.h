@@ -21,10 +21,13 @@ class FakeGeocoding {
 
     /// What was asked, in that order.
     [[nodiscard]] std::vector<PostalAddress> requests() const;
+    /// Whether who asked has given the question up. The first request is 0.
     [[nodiscard]] bool isCancelled(std::size_t request) const;
 
     // Each answers one request, once; one that was cancelled is answered in vain.
+    /// Answers a request, once, with a place; one that was cancelled is answered in vain.
     void succeed(std::size_t request, Placemark placemark) const;
+    /// Answers a request, once, with an error; one that was cancelled is answered in vain.
     void fail(std::size_t request, PlatformError error) const;
     /// With whatever a geocoder may say.
     void answer(std::size_t request, std::optional<std::vector<Placemark>> placemarks,

@@ -35,6 +35,7 @@ struct Unprepared<AnyPublisher<Output, Failure>> {
 
 }  // namespace stub_detail
 
+/// Declared for all signatures, and defined for those of functions.
 template <class Signature>
 class Stub;
 
@@ -44,10 +45,12 @@ class Stub;
 template <class Result, class... Arguments>
 class Stub<Result(Arguments...)> {
   public:
+    /// The arguments of one call; views as what they view.
     using Call = std::tuple<typename stub_detail::Kept<Arguments>::Type...>;
 
     /// What it was called with, in that order.
     [[nodiscard]] const std::vector<Call>& calls() const noexcept { return calls_; }
+    /// How often it was called.
     [[nodiscard]] std::size_t callCount() const noexcept { return calls_.size(); }
 
     /// Every call from now on is answered with that.
@@ -59,6 +62,7 @@ class Stub<Result(Arguments...)> {
     /// Every call from now on is answered with what the function gives for its arguments.
     void answers(std::function<Result(Arguments...)> answer) { answer_ = std::move(answer); }
 
+    /// Keeps the arguments and answers.
     Result operator()(Arguments... arguments) {
         calls_.emplace_back(typename stub_detail::Kept<Arguments>::Type(arguments)...);
         if (answer_) return answer_(std::forward<Arguments>(arguments)...);

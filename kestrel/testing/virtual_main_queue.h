@@ -12,11 +12,14 @@ namespace kestrel {
 /// `advance…`, each at its time, work that it gives included. For use on one thread.
 class VirtualMainQueue final : public MainQueue {
   public:
+    /// With the wall clock showing that.
     explicit VirtualMainQueue(Date start = Date(0)) : time_(start) {}
 
     /// What the wall clock shows.
     [[nodiscard]] Date now() const override { return time_.now() + wallClockAhead_; }
+    /// Keeps the work until `run` or the next advance.
     void schedule(Work work) override { time_.schedule(std::move(work)); }
+    /// Keeps the work until the time has been moved that far.
     [[nodiscard]] AnyCancellable scheduleAfter(double seconds, Work work) override {
         return time_.scheduleAfter(seconds, std::move(work));
     }
@@ -27,6 +30,7 @@ class VirtualMainQueue final : public MainQueue {
     void advanceBy(double seconds) { time_.advanceBy(seconds); }
     /// Until the wall clock shows that.
     void advanceTo(Date wallClock) { time_.advanceBy(wallClock - now()); }
+    /// Does what is due now, work that it gives included.
     void run() { time_.run(); }
     /// Sets the wall clock, as a user or a time server does: no time passes, and what waits for the wall clock is
     /// woken.
