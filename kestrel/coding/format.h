@@ -55,11 +55,16 @@ template <Formattable T>
 
 }  // namespace kestrel
 
+namespace fmt {
+
 /// Formats as the text that `kestrel::formatted` gives.
 template <kestrel::Formattable T>
-struct fmt::formatter<T> : fmt::formatter<std::string_view> {
+struct formatter<T> : formatter<std::string_view> {
+    /// As for strings.
     template <class Context>
     auto format(const T& value, Context& context) const {
-        return fmt::formatter<std::string_view>::format(kestrel::formatted(value), context);
+        return formatter<std::string_view>::format(kestrel::formatted(value), context);
     }
 };
+
+}  // namespace fmt
