@@ -48,7 +48,7 @@ bool JSONWriter::write(const std::string& value) {
 #if defined(__GLIBCXX__) && !defined(__SANITIZE_ADDRESS__)
     // A string of this library has room for a block wherever it keeps its characters, so that a short one is read
     // together with what stands behind it: jumps that depend on short lengths are hardly ever predicted.
-    static_assert(sizeof value >= 2 * TextBlock::size);
+    static_assert(sizeof(std::string) >= 2 * TextBlock::size);
     return writeText(value, [&] { return TextBlock::load(value.data()); });
 #else
     return write(std::string_view(value));
@@ -215,7 +215,7 @@ bool JSONWriter::write(double value) {
     // Amounts, percentages and most dates have three decimals at most: they print as an integer of thousandths. The
     // division is correctly rounded, so what is printed reads back as this very double.
     constexpr double limit = 9e12;
-    if (std::abs(value) < limit && !(value == 0 && std::signbit(value))) {
+    if (std::abs(value) < limit && (value != 0 || !std::signbit(value))) {
         const auto thousandths = static_cast<std::int64_t>(value * 1000 + (value < 0 ? -0.5 : 0.5));
         if (static_cast<double>(thousandths) / 1000 == value) {
             if (thousandths < 0) *cursor_++ = '-';

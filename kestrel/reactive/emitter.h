@@ -64,8 +64,8 @@ class Emission final : public Subscription, public std::enable_shared_from_this<
             const std::scoped_lock lock(mutex_);
             if (!isCancelled_) work_ = std::move(work);
         }
-        // Cancelled before it was there: it ends now.
-        work.cancel();
+        // Cancelled before it was there: it ends now. What was kept has left nothing to cancel.
+        work.cancel();  // NOLINT(bugprone-use-after-move)
     }
     [[nodiscard]] bool isCancelled() const {
         const std::scoped_lock lock(mutex_);
