@@ -27,8 +27,8 @@ concept HasPlatformForm = requires(const E& error) {
     { platformError(error) } -> std::same_as<PlatformError>;
 };
 
-/// Says in the current language that such an error happened. Set by localization/, which stands below this room.
-extern std::string (*describePlainForm)(std::string_view domain, std::int64_t code);
+/// Says in the current language that such an error happened. Defined in localization/, which stands below this room.
+[[nodiscard]] std::string describePlainForm(std::string_view domain, std::int64_t code);
 
 [[nodiscard]] PlatformError plainForm(std::string_view type, std::int64_t code);
 

@@ -84,18 +84,10 @@ std::string localized(const LocalizableText& text) {
     return localized(text.text, text.comment);
 }
 
-namespace {
-
-/// Lends the errors of foundation/ the texts of this room.
-[[maybe_unused]] const bool describesErrors = [] {
-    error_detail::describePlainForm = [](std::string_view domain, std::int64_t code) {
-        return localized("The operation couldn’t be completed. (%1$@ error %2$@.)",
-                         "Error of which nothing more is known, 1: its domain, 2: its number",
-                         {domain, std::to_string(code)});
-    };
-    return true;
-}();
-
-}  // namespace
+std::string error_detail::describePlainForm(std::string_view domain, std::int64_t code) {
+    return localized("The operation couldn’t be completed. (%1$@ error %2$@.)",
+                     "Error of which nothing more is known, 1: its domain, 2: its number",
+                     {domain, std::to_string(code)});
+}
 
 }  // namespace kestrel
