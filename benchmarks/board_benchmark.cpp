@@ -6,18 +6,15 @@
 #include <kestrel/boards/board_filter.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
 #include <memory>
-#include <new>
 #include <random>
 #include <string>
 #include <tuple>
 #include <vector>
 
-#include "allocations.h"
 #include "work.h"
 
 namespace {
@@ -113,13 +110,8 @@ void addBoard(const std::shared_ptr<const Sample>& sample, PipelineBoardSortKey 
     }
     const std::string work = "board of " + std::to_string(sample->candidates.size()) + " by " + sorted;
     benchmark::RegisterBenchmark((work + "/kestrel").c_str(), [sample, key](benchmark::State& state) {
-        const std::size_t before = benchmarks::allocations();
         for (auto _ : state)
             benchmark::DoNotOptimize(built(*sample, key));
-        // Those of the copies of the cards, which both contenders start from, included.
-        state.counters["allocations per card"] =
-            static_cast<double>(benchmarks::allocations() - before) /
-            static_cast<double>(state.iterations() * static_cast<std::int64_t>(sample->candidates.size()));
     })->Unit(benchmark::kMillisecond);
     benchmark::RegisterBenchmark((work + "/whole cards").c_str(), [sample, isByName](benchmark::State& state) {
         for (auto _ : state)
