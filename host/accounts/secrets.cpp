@@ -83,6 +83,12 @@ std::string tokenDigest(std::string_view token) {
     return inHexadecimal(digest);
 }
 
+bool isSameToken(std::string_view expected, std::string_view given) {
+    prepareSodium();
+    // How long a token is, is no secret.
+    return expected.size() == given.size() && sodium_memcmp(expected.data(), given.data(), expected.size()) == 0;
+}
+
 std::string newRecoveryCode() {
     // Without those that look alike.
     constexpr std::string_view letters = "abcdefghjkmnpqrstuvwxyz023456789";

@@ -19,6 +19,8 @@ namespace kestrel::host {
 [[nodiscard]] std::string newToken();
 /// The token in a form that may be stored: it says nothing about the token.
 [[nodiscard]] std::string tokenDigest(std::string_view token);
+/// Whether a token that somebody gives is the one that is expected. It takes the same time wherever the two differ.
+[[nodiscard]] bool isSameToken(std::string_view expected, std::string_view given);
 /// Random, 50 bits, to be typed: "k7f2p-9qmxa".
 [[nodiscard]] std::string newRecoveryCode();
 

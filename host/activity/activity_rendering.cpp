@@ -172,40 +172,54 @@ std::string firstLine(const TextBody& body) {
     return "";
 }
 
+std::vector<ActivityDay> activityDays(const ActivitySummary& summary, const CalendarMoment& at) {
+    // Whole days of other zones belong to another day than their first moment does.
+    std::multimap<Date, ActivityItem, std::greater<>> items;
+    for (const ActivityItem& item : summary.recent())
+        items.emplace(dayStart(item, at.calendar), item);
+    const ItemDescriber describe(at);
+    std::vector<ActivityDay> days;
+    for (const auto& [day, item] : items) {
+        const Date date = shownDate(item, at.calendar);
+        const bool isInCalendar = isReachable(date);
+        std::string heading = isInCalendar ? dayHeading(at.calendar.dayOf(date), at) : date.description();
+        if (days.empty() || days.back().heading != heading) days.push_back({.heading = std::move(heading)});
+        ItemText shown = item.match(describe);
+        days.back().entries.push_back({.time = isInCalendar ? itemTime(item, at.calendar) : "",
+                                       .kind = std::string(shown.kind),
+                                       .title = shown.title.empty() ? "-" : std::move(shown.title),
+                                       .facts = std::move(shown.facts)});
+    }
+    return days;
+}
+
 std::string rendered(const ActivityPicture& picture, const Terminal& terminal) {
     constexpr std::size_t indent = 2;
     const ActivitySummary& summary = picture.summary;
     std::string text = styled(fmt::format("Activity of {}", printable(picture.title)), boldStyle, terminal) +
                        fmt::format(" as {} sees it\n", printable(picture.userName)) + totalsText(summary);
 
-    // Whole days of other zones belong to another day than their first moment does.
-    std::multimap<Date, ActivityItem, std::greater<>> items;
-    for (const ActivityItem& item : summary.recent())
-        items.emplace(dayStart(item, picture.at.calendar), item);
-    if (items.empty()) return text + "\nnothing recent\n";
-    const ItemDescriber describe(picture.at);
+    const std::vector<ActivityDay> days = activityDays(summary, picture.at);
+    if (days.empty()) return text + "\nnothing recent\n";
     // The columns are those of all days.
     Table table(4);
-    std::vector<std::string> headings;
-    for (const auto& [day, item] : items) {
-        const Date date = shownDate(item, picture.at.calendar);
-        const bool isInCalendar = isReachable(date);
-        headings.push_back(isInCalendar ? dayHeading(picture.at.calendar.dayOf(date), picture.at) : date.description());
-        const ItemText shown = item.match(describe);
-        std::string facts;
-        for (const std::string& fact : shown.facts)
-            facts += (facts.empty() ? "" : " · ") + fact;
-        table.add({isInCalendar ? itemTime(item, picture.at.calendar) : "", std::string(shown.kind),
-                   shown.title.empty() ? "-" : shown.title, std::move(facts)});
+    for (const ActivityDay& day : days) {
+        for (const ActivityEntry& entry : day.entries) {
+            std::string facts;
+            for (const std::string& fact : entry.facts)
+                facts += (facts.empty() ? "" : " · ") + fact;
+            table.add({entry.time, entry.kind, entry.title, std::move(facts)});
+        }
     }
-    std::string_view lines;
     const std::string all = table.rendered(terminal, indent);
-    lines = all;
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        if (i == 0 || headings[i] != headings[i - 1]) text += '\n' + styled(headings[i], boldStyle, terminal) + '\n';
-        const auto end = lines.find('\n') + 1;
-        text += lines.substr(0, end);
-        lines.remove_prefix(end);
+    std::string_view lines = all;
+    for (const ActivityDay& day : days) {
+        text += '\n' + styled(day.heading, boldStyle, terminal) + '\n';
+        for (std::size_t i = 0; i < day.entries.size(); ++i) {
+            const auto end = lines.find('\n') + 1;
+            text += lines.substr(0, end);
+            lines.remove_prefix(end);
+        }
     }
     return text;
 }

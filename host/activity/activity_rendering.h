@@ -4,6 +4,7 @@
 #include <kestrel/activity/activity_summary.h>
 #include <kestrel/foundation/calendar.h>
 #include <string>
+#include <vector>
 
 namespace kestrel::host {
 
@@ -16,6 +17,22 @@ struct ActivityPicture {
     std::string userName{};
     CalendarMoment at{};
 };
+
+/// An item as lists show it.
+struct ActivityEntry {
+    /// Of the day; empty for what is dated to a whole day.
+    std::string time{};
+    std::string kind{};
+    std::string title{};
+    /// Further facts, in the order of their weight.
+    std::vector<std::string> facts{};
+};
+struct ActivityDay {
+    std::string heading{};
+    std::vector<ActivityEntry> entries{};
+};
+/// The recent items by day, the newest first.
+[[nodiscard]] std::vector<ActivityDay> activityDays(const ActivitySummary& summary, const CalendarMoment& at);
 
 /// The summary as text: the totals, and then the recent items by day, the newest first.
 [[nodiscard]] std::string rendered(const ActivityPicture& picture, const Terminal& terminal);

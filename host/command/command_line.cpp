@@ -14,6 +14,7 @@
 #include <host/command/links_command.h>
 #include <host/command/login_command.h>
 #include <host/command/open_command.h>
+#include <host/command/serve_command.h>
 #include <host/command/show_command.h>
 #include <host/failure.h>
 #include <host/terminal/output.h>
@@ -156,6 +157,16 @@ relationship to the contact, or by an email that is filed with them.
   kestrel links Organization/7 --database crm.db --user administrator
   kestrel links Contact/12 --database crm.db --user moses.frase --json)";
 
+constexpr std::string_view serveExamples =
+    R"(Serves the pipeline board, and the pages of records and contacts, to a browser on this machine as the user may see
+them. Writes the address to open, which has a new token at each start; without it every request is refused. Cards are
+dragged to another column, or moved by the keyboard: arrow keys go from card to card, Enter opens one, M moves it.
+
+  kestrel serve --database crm.db --user "Moses Frase"
+  kestrel serve --database crm.db --user administrator --port 8080
+
+The command serves until it is ended by Ctrl-C or SIGTERM.)";
+
 constexpr std::string_view showExamples =
     R"(Shows every member of the record that is present, and names the absent ones.
 
@@ -230,6 +241,7 @@ class CommandLine {
         addLinks();
         addAccess();
         addShow();
+        addServe();
         addDecode();
         addDoctor();
         addGeocode();
@@ -257,7 +269,8 @@ class CommandLine {
             if (*command) return runCommand(output, terminal);
         }
         throw WrongUsage(
-            "a command is required: import, board, contact, contacts, activity, links, access, show, decode, doctor, "
+            "a command is required: import, board, contact, contacts, activity, links, access, show, serve, decode, "
+            "doctor, "
             "geocode, defaults, open, login, logout or account" +
             helpHint());
     }
@@ -413,6 +426,17 @@ class CommandLine {
         addRecord(command, show_.record);
         addDatabase(command, show_.database);
         addJSON(command, show_.isJSON);
+    }
+
+    void addServe() {
+        CLI::App* command = addCommand("serve", "Show the board, records and contacts in a browser of this machine",
+                                       std::string(serveExamples), [this](Output& output, const Terminal&) {
+                                           serveCommand(serve_, output);
+                                           return success;
+                                       });
+        addView(command, serve_.database, serve_.user);
+        command->add_option("-p,--port", serve_.port, "The port to listen on; any free one when 0 or not given")
+            ->type_name("N");
     }
 
     void addDecode() {
@@ -614,6 +638,7 @@ class CommandLine {
     LinksOptions links_;
     AccessOptions access_;
     ShowOptions show_;
+    ServeOptions serve_;
     DecodeOptions decode_;
     GeocodeOptions geocode_;
     DefaultsOptions defaults_;

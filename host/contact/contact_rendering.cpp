@@ -15,7 +15,6 @@
 namespace kestrel::host {
 namespace {
 
-constexpr std::size_t indent = 2;
 constexpr std::string_view defaultMark = "default";
 constexpr std::string_view missing = "(not available)";
 
@@ -124,16 +123,13 @@ std::size_t missingRelations(const ContactInfo& info) {
 }
 
 // ---------------------------------------------------------------------------------------------------------------
-// as text
+// in sections
 
-class PageText {
+class SectionWriter {
   public:
-    PageText(const ContactPage& page, const Terminal& terminal)
-        : page_(&page), contact_(&page.info.contact), terminal_(&terminal) {}
+    explicit SectionWriter(const ContactPage& page) : page_(&page), contact_(&page.info.contact) {}
 
-    std::string text() {
-        text_ = styled(printable(fullName(*contact_, page_->locale)), boldStyle, *terminal_) + '\n' +
-                styled(contact_->objectID().stringValue(), dimStyle, *terminal_) + '\n';
+    std::vector<PageSection> sections() {
         addSummary();
         addPhones();
         addElectronicAddresses();
@@ -143,85 +139,84 @@ class PageText {
         addExtraFields();
         addDetails();
         addRecord();
-        return std::move(text_);
+        return std::move(sections_);
     }
 
   private:
-    void addSection(std::string_view title, const Table& table) {
-        if (table.isEmpty()) return;
-        text_ += '\n';
-        if (!title.empty()) text_ += styled(title, boldStyle, *terminal_) + '\n';
-        text_ += table.rendered(*terminal_, title.empty() ? 0 : indent);
+    void add(PageSection section) {
+        if (!section.isEmpty()) sections_.push_back(std::move(section));
     }
-    static void addRow(Table& table, std::string label, const std::optional<std::string>& text) {
-        if (textIn(text)) table.add({std::move(label), *text});
+    static void addRow(PageSection& section, std::string label, const std::optional<std::string>& text) {
+        if (textIn(text)) section.rows.push_back({.cells = {std::move(label), *text}});
     }
 
     void addSummary() {
-        Table table(2);
-        addRow(table, "nickname", contact_->nickname);
-        addRow(table, "alias", contact_->alias);
+        PageSection section;
+        addRow(section, "nickname", contact_->nickname);
+        addRow(section, "alias", contact_->alias);
         if (const auto role = page_->info.defaultRole()) {
-            addRow(table, "company", nameOf(role->company()));
-            addRow(table, "title", role->nameAndDepartment());
+            addRow(section, "company", nameOf(role->company()));
+            addRow(section, "title", role->nameAndDepartment());
         }
-        addRow(table, "birthday", contact_->birthDate().transform(partialDateText));
-        addRow(table, "anniversary", contact_->anniversaryDate().transform(partialDateText));
-        addRow(table, "priority", displayName(contact_->priority));
-        if (contact_->category) addRow(table, "category", contact_->category->name);
+        addRow(section, "birthday", contact_->birthDate().transform(partialDateText));
+        addRow(section, "anniversary", contact_->anniversaryDate().transform(partialDateText));
+        addRow(section, "priority", displayName(contact_->priority));
+        if (contact_->category) addRow(section, "category", contact_->category->name);
         std::vector<std::string> keywords;
         for (const Keyword& keyword : contact_->keywords) {
             if (const auto name = textIn(keyword.name)) keywords.push_back(*name);
         }
-        addRow(table, "keywords", listed(keywords));
-        if (contact_->isFlagged) addRow(table, "flagged", "yes");
-        addRow(table, "credentials", contact_->creditation);
-        addRow(table, "salutation", contact_->individualSalutation);
-        addRow(table, "tagline", contact_->tagline);
-        addRow(table, "hobbies", contact_->hobbies);
-        addRow(table, "relationship to me", contact_->relationshipToMe);
-        addSection("", table);
+        addRow(section, "keywords", listed(keywords));
+        if (contact_->isFlagged) addRow(section, "flagged", "yes");
+        addRow(section, "credentials", contact_->creditation);
+        addRow(section, "salutation", contact_->individualSalutation);
+        addRow(section, "tagline", contact_->tagline);
+        addRow(section, "hobbies", contact_->hobbies);
+        addRow(section, "relationship to me", contact_->relationshipToMe);
+        add(std::move(section));
     }
 
     void addPhones() {
         const auto first = contact_->defaultPhone();
-        Table table(3);
+        PageSection section{.title = "Phones"};
         for (const Phone& phone : contact_->phones) {
             if (phone.deletionDate || !textIn(phone.number)) continue;
             const bool isDefault = first && first->id() == phone.id();
-            table.add({labelText(phone.label), *phone.number, isDefault ? std::string(defaultMark) : ""});
+            section.rows.push_back(
+                {.cells = {labelText(phone.label), *phone.number, isDefault ? std::string(defaultMark) : ""}});
         }
-        addSection("Phones", table);
+        add(std::move(section));
     }
 
     void addElectronicAddresses() {
         const auto first = contact_->defaultEmailAddress();
-        Table emails(3);
-        Table urls(2);
-        Table profiles(3);
+        PageSection emails{.title = "E-mail"};
+        PageSection urls{.title = "Web"};
+        PageSection profiles{.title = "Social profiles"};
         for (const AnyElectronicAddress& address : contact_->electronicAddresses) {
             if (address.deletionDate || !textIn(address.address)) continue;
             const std::string label = labelText(address.label);
             switch (address.kind) {
                 case ElectronicAddressKind::email: {
                     const bool isDefault = first && first->id() == address.id();
-                    emails.add({label, *address.address, isDefault ? std::string(defaultMark) : ""});
+                    emails.rows.push_back(
+                        {.cells = {label, *address.address, isDefault ? std::string(defaultMark) : ""}});
                     break;
                 }
-                case ElectronicAddressKind::url: urls.add({label, *address.address}); break;
+                case ElectronicAddressKind::url: urls.rows.push_back({.cells = {label, *address.address}}); break;
                 case ElectronicAddressKind::socialProfile:
-                    profiles.add({label, address.serviceName.value_or(""), *address.address});
+                    profiles.rows.push_back({.cells = {label, address.serviceName.value_or(""), *address.address}});
                     break;
             }
         }
-        addSection("E-mail", emails);
-        addSection("Web", urls);
-        addSection("Social profiles", profiles);
+        add(std::move(emails));
+        add(std::move(urls));
+        add(std::move(profiles));
     }
 
     void addGeoAddresses() {
         const auto first = contact_->defaultGeoAddress();
-        Table table(3);
+        PageSection section{.title = "Addresses"};
         for (const GeoAddress& address : contact_->geoAddresses) {
             if (address.deletionDate) continue;
             std::vector<std::string> lines;
@@ -241,73 +236,73 @@ class PageText {
             const bool isDefault = first && first->id() == address.id();
             for (std::size_t i = 0; i < lines.size(); ++i) {
                 // Each address begins with something, so that it is told from the one above it.
-                table.add({i == 0 ? textIn(labelText(address.label)).value_or("-") : "", lines[i],
-                           i == 0 && isDefault ? std::string(defaultMark) : ""});
+                section.rows.push_back({.cells = {i == 0 ? textIn(labelText(address.label)).value_or("-") : "",
+                                                  lines[i], i == 0 && isDefault ? std::string(defaultMark) : ""}});
             }
         }
-        addSection("Addresses", table);
+        add(std::move(section));
     }
 
     void addRoles() {
         const auto standard = page_->info.defaultRole();
-        Table table(5);
+        PageSection section{.title = "Roles"};
         for (const ContactRole& role : page_->info.allRoles) {
             const Place place = placeOf(role);
             const bool isDefault = standard && standard->id() == role.id();
-            table.add({place.name, titleOf(role), role.roleTypeName().value_or(""), place.identifier,
-                       isDefault ? std::string(defaultMark) : ""});
+            section.rows.push_back({.cells = {place.name, titleOf(role), role.roleTypeName().value_or(""),
+                                              place.identifier, isDefault ? std::string(defaultMark) : ""},
+                                    .record = place.identifier});
         }
-        addSection("Roles", table);
+        add(std::move(section));
     }
 
     void addRelationships() {
-        Table table(4);
+        PageSection section{.title = "Relationships"};
         const auto joined = page_->info.joinedRelationships();
         for (const Relation& relation : relationsOf(*page_, joined)) {
-            table.add({textIn(relation.name).value_or("-"), relation.other.name, relation.other.identifier,
-                       relation.record->details.value_or("")});
+            section.rows.push_back({.cells = {textIn(relation.name).value_or("-"), relation.other.name,
+                                              relation.other.identifier, relation.record->details.value_or("")},
+                                    .record = relation.other.identifier,
+                                    .nameCell = 1});
         }
-        const std::size_t hidden = missingRelations(page_->info);
-        addSection("Relationships", table);
-        if (hidden == 0) return;
-        if (table.isEmpty()) text_ += '\n' + styled("Relationships", boldStyle, *terminal_) + '\n';
-        text_ += fmt::format("{:{}}{}\n", "", indent,
-                             hidden == 1 ? "1 with a record that is not available"
-                                         : fmt::format("{} with records that are not available", hidden));
+        if (const std::size_t hidden = missingRelations(page_->info); hidden != 0) {
+            section.lines.push_back(hidden == 1 ? "1 with a record that is not available"
+                                                : fmt::format("{} with records that are not available", hidden));
+        }
+        add(std::move(section));
     }
 
     void addExtraFields() {
-        Table table(2);
+        PageSection section{.title = "Extra fields"};
         for (const NamedExtraField& field : page_->extraFields.namedFields(*contact_))
-            addRow(table, field.name, field.value);
+            addRow(section, field.name, field.value);
         for (const NamedExtraDate& field : page_->extraFields.namedDates(*contact_))
-            addRow(table, field.name, dayText(field.date, page_->calendar));
-        addSection("Extra fields", table);
+            addRow(section, field.name, dayText(field.date, page_->calendar));
+        add(std::move(section));
     }
 
     void addDetails() {
         if (!textIn(contact_->details)) return;
-        text_ += '\n' + styled("Details", boldStyle, *terminal_) + '\n';
-        // Not a table: long lines are folded by the terminal, not cut off.
+        PageSection section{.title = "Details"};
         for (const std::string_view line : linesOf(*contact_->details))
-            text_ += line.empty() ? "\n" : std::string(indent, ' ') + printable(line) + '\n';
+            section.lines.emplace_back(line);
+        add(std::move(section));
     }
 
     void addRecord() {
-        Table table(2);
+        PageSection section{.title = "Record"};
         const auto moment = [&](const Date& date) { return momentText(date, page_->calendar); };
-        addRow(table, "visibility", page_->visibility);
-        addRow(table, "owner", page_->info.owner.transform(userText));
-        addRow(table, "creator", page_->info.creator.get().transform(userText));
-        addRow(table, "created", contact_->createDate.get().transform(moment));
-        addRow(table, "modified", contact_->modifyDate.get().transform(moment));
-        addSection("Record", table);
+        addRow(section, "visibility", page_->visibility);
+        addRow(section, "owner", page_->info.owner.transform(userText));
+        addRow(section, "creator", page_->info.creator.get().transform(userText));
+        addRow(section, "created", contact_->createDate.get().transform(moment));
+        addRow(section, "modified", contact_->modifyDate.get().transform(moment));
+        add(std::move(section));
     }
 
     const ContactPage* page_;
     const Contact* contact_;
-    const Terminal* terminal_;
-    std::string text_;
+    std::vector<PageSection> sections_;
 };
 
 // ---------------------------------------------------------------------------------------------------------------
@@ -332,8 +327,17 @@ void addText(JSONObject& json, std::string_view key, const std::optional<std::st
 
 }  // namespace
 
+std::vector<PageSection> contactSections(const ContactPage& page) {
+    return SectionWriter(page).sections();
+}
+
 std::string rendered(const ContactPage& page, const Terminal& terminal) {
-    return PageText(page, terminal).text();
+    const Contact& contact = page.info.contact;
+    std::string text = styled(printable(fullName(contact, page.locale)), boldStyle, terminal) + '\n' +
+                       styled(contact.objectID().stringValue(), dimStyle, terminal) + '\n';
+    for (const PageSection& section : contactSections(page))
+        text += rendered(section, terminal);
+    return text;
 }
 
 std::string pageJSON(const ContactPage& page) {

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <host/terminal/output.h>
+#include <host/terminal/page_section.h>
 #include <kestrel/foundation/calendar.h>
 #include <kestrel/records/extra_fields_namer.h>
 #include <kestrel/relationships/contact_info.h>
 #include <string>
+#include <vector>
 
 namespace kestrel::host {
 
@@ -18,6 +20,9 @@ struct ContactPage {
     ExtraFieldsNamer extraFields = ExtraFieldsNamer::empty();
     std::string visibility{};
 };
+
+/// What there is to say below the name, a section for each kind of detail, none of them empty.
+[[nodiscard]] std::vector<PageSection> contactSections(const ContactPage& page);
 
 /// The page as text: the name, what describes the person, and then a section for each kind of detail that there is.
 [[nodiscard]] std::string rendered(const ContactPage& page, const Terminal& terminal);

@@ -15,10 +15,10 @@ Runtime makeHostRuntime(const std::filesystem::path& database, std::optional<std
                    SessionModule{});
 }
 
-Runtime makeUserRuntime(const std::string& database, const std::string& user) {
+Viewer viewerOf(const std::string& database, const std::string& user) {
     if (!user.empty()) {
         if (database.empty()) throw WrongUsage("--database is required with --user");
-        return makeHostRuntime(database, user);
+        return {.database = database, .user = user};
     }
     const Runtime runtime(LateSystemServicesModule{}, SessionModule{});
     resumeSession(runtime);
@@ -27,7 +27,12 @@ Runtime makeUserRuntime(const std::string& database, const std::string& user) {
     std::error_code problem;
     if (!database.empty() && !std::filesystem::equivalent(database, membership->database, problem))
         throw WrongUsage("--user is required for another database than that of " + membership->companyName);
-    return makeHostRuntime(membership->database, membership->username);
+    return {.database = membership->database, .user = membership->username};
+}
+
+Runtime makeUserRuntime(const std::string& database, const std::string& user) {
+    const Viewer viewer = viewerOf(database, user);
+    return makeHostRuntime(viewer.database, viewer.user);
 }
 
 }  // namespace kestrel::host

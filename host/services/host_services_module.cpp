@@ -6,6 +6,7 @@
 #include <host/services/sqlite_activity_service.h>
 #include <host/services/sqlite_categories_service.h>
 #include <host/services/sqlite_contacts_service.h>
+#include <host/services/sqlite_deals_service.h>
 #include <host/services/sqlite_emails_service.h>
 #include <host/services/sqlite_options_service.h>
 #include <host/services/sqlite_permissions_service.h>
@@ -32,6 +33,7 @@ void HostServicesModule::registerIn(Runtime& runtime) const {
     const auto imports = std::make_shared<FileImportService>(context);
     runtime[services::import_] = imports;
     runtime.install(host_services::detailedImport, imports);
+    runtime.install(host_services::deals, std::make_shared<SQLiteDealsService>(context));
     runtime.install(host_services::records, std::make_shared<SQLiteRecordsService>(context));
 }
 

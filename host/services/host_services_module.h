@@ -14,9 +14,10 @@ namespace kestrel::host {
 ///     ContactsService, ActivityService, PipelineBoardService, PipelineBoardFilterService, PermissionsService,
 ///     OptionsService, TasksService, EmailsService, CategoriesService, ImportService, OnDemandService
 ///
-/// and this host's own RecordsService and DetailedImportService. They ask the runtime's SystemClockService and
-/// SystemUserDefaultsService, which another module installs, before or after: SystemServicesModule, or
-/// TestServicesModule in tests. What signs users in is another module's, too; the two share `user`.
+/// and this host's own RecordsService, DealsService and DetailedImportService. They ask the runtime's
+/// SystemClockService and SystemUserDefaultsService, which another module installs, before or after:
+/// SystemServicesModule, or TestServicesModule in tests. What signs users in is another module's, too; the two share
+/// `user`.
 struct HostServicesModule {
     std::string moduleName = "HostServices";
     /// The file; opened when it is needed for the first time.
