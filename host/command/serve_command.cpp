@@ -70,7 +70,8 @@ void serveUntilSignalled(LoopbackServer& server, const AccessGate& gate, Applica
     platform::runMainLoop();
     serving.join();
     // When it was no signal that ended it, the other thread waits for one still.
-    pthread_kill(waiting.native_handle(), SIGTERM);
+    // It takes the signal by waiting, for the signal is blocked.
+    pthread_kill(waiting.native_handle(), SIGTERM);  // NOLINT(bugprone-bad-signal-to-kill-thread)
     waiting.join();
     if (problem) std::rethrow_exception(problem);
     if (!hasEndedBySignal) throw Failure("the server has ended, as connections could not be accepted any more");

@@ -52,8 +52,9 @@ std::optional<std::int64_t> numberIn(const HTTPRequest& request, const std::stri
     const auto text = request.parameter(key);
     if (!text || text->empty()) return std::nullopt;
     std::int64_t number = 0;
-    const char* const end = text->data() + text->size();
-    const auto [stop, problem] = std::from_chars(text->data(), end, number);
+    const char* const start = &text->front();
+    const char* const end = start + text->size();
+    const auto [stop, problem] = std::from_chars(start, end, number);
     if (problem != std::errc() || stop != end || number < 0)
         throw WrongUsage(fmt::format("\"{}\" is no value of {}", *text, key));
     return number;

@@ -32,6 +32,7 @@ class Choice {
     /// Calls the visitor whose parameter is the payload of this value's case. One visitor a case: a missing one does
     /// not compile.
     template <class... Visitors>
+    // NOLINTNEXTLINE(modernize-use-nodiscard): visitors may be called for what they do.
     decltype(auto) match(Visitors&&... visitors) const {
         return std::visit(Overloaded{std::forward<Visitors>(visitors)...}, value_);
     }
