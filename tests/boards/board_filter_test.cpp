@@ -175,8 +175,7 @@ TEST(OpportunityStates, comeFromTheirCodesOnly) {
                                            .stageName = "Won",
                                            .start = Date(3),
                                            .createActivities = true}));
-    EXPECT_TRUE(*options.createActivities && !options.end && !options.note &&
-                !options.hasCompletedSheet);
+    EXPECT_TRUE(*options.createActivities && !options.end && !options.note && !options.hasCompletedSheet);
 }
 
 }  // namespace
