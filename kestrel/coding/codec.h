@@ -8,6 +8,7 @@
 #include <kestrel/foundation/enumeration.h>
 #include <kestrel/foundation/hashing.h>
 #include <kestrel/foundation/rgba_color.h>
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <concepts>
@@ -279,19 +280,51 @@ bool decodeValue(JSONReader& reader, T& value) {
     }
 }
 
+namespace coding_detail {
+
+/// How many bytes of memory for each of its text an element usually takes.
+inline constexpr std::size_t usualSpread = 4;
+
+/// Whether elements of a type may take more than that: an element and what follows it are two characters at least.
+template <class T>
+inline constexpr bool mayBeSparse = sizeof(T) > 2 * usualSpread;
+
+/// Whether room for so many elements is much more than the text that they were read from.
+template <class T>
+[[nodiscard]] constexpr bool isSparse(std::size_t count, std::size_t read) noexcept {
+    return mayBeSparse<T> && sizeof(T) * count > usualSpread * read;
+}
+
+/// Makes room in a full vector, at an element that was reached by reading so many bytes. What is decoded is to take no
+/// more than some times the memory of its document, also while it grows, whatever the document makes of that.
+template <class T>
+[[gnu::noinline]] void makeRoom(JSONReader& reader, std::vector<T>& values, std::size_t read) {
+    const std::size_t count = values.size();
+    if (isSparse<T>(count, read)) {
+        // Room for exactly those that follow, which takes another look at them.
+        values.reserve(count + reader.countElements());
+    } else if (count >= 8) {
+        // As many elements as the rest of the document holds if they are all as long as those read so far, but never
+        // more than four times as many at once: a hostile document may start with short ones.
+        const double perByte = static_cast<double>(count) / static_cast<double>(read);
+        const auto left = static_cast<std::size_t>(static_cast<double>(reader.remaining()) * perByte);
+        values.reserve(count + std::min(left + left / 16 + 1, count * 4));
+    }
+}
+
+}  // namespace coding_detail
+
 template <class T>
 bool decodeValue(JSONReader& reader, std::vector<T>& values) {
     values.clear();
     if (!reader.beginArray()) return false;
     if (reader.endIfEmpty(']')) return true;
     const std::size_t total = reader.remaining();
+    // Up to there vectors grow by themselves.
+    constexpr std::size_t few = coding_detail::mayBeSparse<T> ? 1 : 8;
     for (;;) {
-        if (values.size() == values.capacity() && values.size() >= 8) {
-            // As many elements as the rest of the document holds if they are all as long as those read so far, but
-            // never more than four times as many at once: a hostile document may start with short ones.
-            const std::size_t read = total - reader.remaining();
-            const std::size_t left = reader.remaining() / (read / values.size() + 1);
-            values.reserve(values.size() + std::min(left + left / 16 + 1, values.size() * 4));
+        if (values.size() == values.capacity() && values.size() >= few) {
+            coding_detail::makeRoom(reader, values, total - reader.remaining());
         }
         const std::size_t index = values.size();
         bool isDecoded = false;
@@ -309,7 +342,10 @@ bool decodeValue(JSONReader& reader, std::vector<T>& values) {
         }
         switch (reader.nextElement()) {
             case JSONReader::Next::another: break;
-            case JSONReader::Next::end: return true;
+            case JSONReader::Next::end:
+                if (coding_detail::isSparse<T>(values.capacity() / 2, total - reader.remaining()))
+                    values.shrink_to_fit();
+                return true;
             case JSONReader::Next::broken: return false;
         }
     }

@@ -566,6 +566,15 @@ bool JSONReader::scanLiteral(std::string_view literal) {
     return matchText(literal) || malformed("expected a value", cursor_);
 }
 
+std::size_t JSONReader::countElements() {
+    const Place start = place();
+    std::size_t count = 1;
+    while (skipValue() && nextElement() == Next::another)
+        ++count;
+    goTo(start);
+    return count;
+}
+
 bool JSONReader::skipValue() {
     // One bit a level: whether it is an object. Held here, so that the stack does not grow with what is read.
     std::uint64_t objects[depthLimit / 64 + 1] = {};

@@ -114,6 +114,8 @@ class JSONReader {
     }
     /// Reads the comma or the end of the array behind an element.
     Next nextElement() noexcept { return next(']'); }
+    /// How many elements there are from the one at the cursor to the end of its array, or up to what is malformed.
+    [[nodiscard]] std::size_t countElements();
     /// Matches the text `"key":`, of `Length` characters, at the cursor, and steps over it and white space.
     template <std::size_t Length>
     [[gnu::always_inline]] bool matchKey(const char* quotedKey) noexcept {

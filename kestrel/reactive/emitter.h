@@ -2,7 +2,7 @@
 
 #include <kestrel/reactive/cancellable.h>
 #include <kestrel/reactive/subscriber.h>
-#include <deque>
+#include <list>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -30,7 +30,7 @@ class Emission final : public Subscription, public std::enable_shared_from_this<
     }
     void cancel() override {
         std::shared_ptr<Subscriber<Output, Failure>> downstream;
-        std::deque<Output> waiting;
+        std::list<Output> waiting;
         AnyCancellable work;
         {
             const std::scoped_lock lock(mutex_);
@@ -114,7 +114,8 @@ class Emission final : public Subscription, public std::enable_shared_from_this<
 
     mutable std::mutex mutex_;
     std::shared_ptr<Subscriber<Output, Failure>> downstream_;
-    std::deque<Output> waiting_;
+    /// A list, for an empty one needs no memory: cancelling must not fail.
+    std::list<Output> waiting_;
     std::optional<Completion<Failure>> completion_;
     Demand demand_ = Demand::none();
     AnyCancellable work_;

@@ -27,8 +27,16 @@ class PassThroughSubject {
     }
     /// Ends all subscribers, and those who come later at once. Only the first completion counts.
     void send(Completion<Failure> completion) const {
-        for (const auto& conduit : state_->end(completion))
-            conduit->end(completion);
+        // Kept, for the subject may go meanwhile.
+        const auto state = state_;
+        Conduits ending = state->end(completion);
+        try {
+            for (const auto& conduit : ending)
+                conduit->end(completion);
+        } catch (...) {
+            state->resume(std::move(ending));
+            throw;
+        }
     }
     /// Ends all subscribers without a failure.
     void finish() const { send(Completion<Failure>::finished()); }
@@ -70,19 +78,19 @@ class PassThroughSubject {
         }
         [[nodiscard]] std::optional<Completion<Failure>> add(const std::shared_ptr<Conduit>& conduit) {
             const std::scoped_lock lock(mutex);
-            if (!completion) list.push_back(conduit);
+            if (!completion) {
+                list.push_back(conduit);
+                conduit->isListed_ = true;
+            }
             return completion;
         }
-        /// One of the list has been let go. It leaves with others, when they are half of the list.
-        void noteGone() {
-            // Destroyed when nothing is locked: what they own may use the subject.
-            Conduits left;
+        /// One has been let go. It leaves the list with others, when they are half of it; then they own nothing any
+        /// more, so that they may be destroyed here. Needs no memory.
+        void noteGone(Conduit& conduit) {
             const std::scoped_lock lock(mutex);
-            if (completion || ++gone * 2 < list.size()) return;
-            Conduits kept;
-            for (auto& each : list)
-                (each->isLive() ? kept : left).push_back(std::move(each));
-            list = std::move(kept);
+            // Another thread may have taken it out with its own.
+            if (completion || !conduit.isListed_ || ++gone * 2 < list.size()) return;
+            sweep(list);
             gone = 0;
         }
         [[nodiscard]] Conduits end(const Completion<Failure>& with) {
@@ -91,6 +99,21 @@ class PassThroughSubject {
             completion = with;
             gone = 0;
             return std::exchange(list, {});
+        }
+        /// Takes an end back that not everybody could be told.
+        void resume(Conduits untold) {
+            const std::scoped_lock lock(mutex);
+            sweep(untold);
+            completion.reset();
+            list = std::move(untold);
+        }
+        /// Takes those out who have been let go. With the lock held.
+        static void sweep(Conduits& conduits) {
+            std::erase_if(conduits, [](const auto& each) {
+                if (each->isLive()) return false;
+                each->isListed_ = false;
+                return true;
+            });
         }
 
         mutable std::mutex mutex;
@@ -119,7 +142,7 @@ class PassThroughSubject {
         }
         void cancel() override {
             if (release() == nullptr) return;
-            if (const auto state = state_.lock()) state->noteGone();
+            if (const auto state = state_.lock()) state->noteGone(*this);
         }
         void send(const Output& value) {
             const std::scoped_lock delivering(delivery_);
@@ -143,6 +166,8 @@ class PassThroughSubject {
         }
 
       private:
+        friend struct State;
+
         [[nodiscard]] std::shared_ptr<Subscriber<Output, Failure>> current() const {
             const std::scoped_lock lock(mutex_);
             return downstream_;
@@ -158,6 +183,8 @@ class PassThroughSubject {
         std::shared_ptr<Subscriber<Output, Failure>> downstream_;
         std::weak_ptr<State> state_;
         Demand demand_ = Demand::none();
+        /// Whether it stands in the list; the state's to guard.
+        bool isListed_ = false;
     };
 
     std::shared_ptr<State> state_ = std::make_shared<State>();

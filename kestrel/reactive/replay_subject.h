@@ -85,7 +85,13 @@ class ReplaySubject {
             const Delivery delivery(*this);
             if (completion) return;
             completion = std::move(with);
-            deliver([&](ReplaySubjectSubscription& each) { each.receive(*completion); });
+            try {
+                deliver([&](ReplaySubjectSubscription& each) { each.receive(*completion); });
+            } catch (...) {
+                // The others are still to be told, by whoever tries again.
+                completion.reset();
+                throw;
+            }
         }
         void subscribe(std::shared_ptr<Subscriber<Output, Failure>> subscriber) {
             const Delivery delivery(*this);
@@ -112,15 +118,15 @@ class ReplaySubject {
                 if (each.isLive()) give(each);
             }
         }
-        /// Takes those out who have cancelled or ended, for the caller to let go. Their empty subscriptions leave
-        /// together, when they are half of all, so that cancelling takes constant time on average. When no delivery is
-        /// under way further up.
-        [[nodiscard]] std::vector<std::shared_ptr<Subscriber<Output, Failure>>> compact() {
+        /// Takes those out who have cancelled, for the caller to let go. The empty subscriptions leave together, when
+        /// they are half of all, so that cancelling takes constant time on average. When no delivery is under way
+        /// further up.
+        [[nodiscard]] std::shared_ptr<ReplaySubjectSubscription> compact() {
             if (dead > 0 && dead * 2 >= subscriptions.size()) {
                 dead = 0;
                 std::erase_if(subscriptions, [](const auto& each) { return !each->isLive(); });
             }
-            return std::exchange(released, {});
+            return std::exchange(released, nullptr);
         }
         /// The end of a state that nobody can send to any more. Its subscribers are let go outside of the lock.
         static void destroy(State* state) {
@@ -145,8 +151,8 @@ class ReplaySubject {
         std::vector<std::shared_ptr<ReplaySubjectSubscription>> subscriptions;
         std::optional<Completion<Failure>> completion;
         /// Those who have cancelled, during a delivery perhaps, which may be one to themselves: they last until it is
-        /// over.
-        std::vector<std::shared_ptr<Subscriber<Output, Failure>>> released;
+        /// over. A chain, so that cancelling needs no memory.
+        std::shared_ptr<ReplaySubjectSubscription> released;
         /// How many deliveries are under way, each inside the other.
         int deliveries = 0;
         /// How many of the subscriptions have cancelled or ended.
@@ -192,12 +198,15 @@ class ReplaySubject {
       private:
         /// Ends the delivery and lets go, outside of the lock, of those who have left, and of the state with them.
         [[gnu::noinline]] void tidyUp() {
-            const auto gone = state_->compact();
+            auto gone = state_->compact();
             state_->isUntidy = false;
             state_->deliveries = 0;
             const bool isLast = state_->isOrphaned;
             locked_.unlock();
             if (isLast) State::destroy(state_);
+            // Who is let go may do anything; nothing here is touched any more.
+            while (gone != nullptr)
+                gone = gone->leave();
         }
 
         State* state_;
@@ -227,8 +236,10 @@ class ReplaySubject {
         }
         void receive(const Completion<Failure>& completion) {
             // Before the replay the end is the replay's to give.
-            if (!isReplayed_) return;
-            if (const auto downstream = release()) downstream->receive(completion);
+            if (!isReplayed_ || downstream_ == nullptr) return;
+            // Copied first: when that fails, nobody has left.
+            Completion<Failure> copy = completion;
+            release()->receive(std::move(copy));
         }
         /// Gives what was there before, and the end if there was one.
         void replay(const std::optional<Completion<Failure>>& completion) {
@@ -252,7 +263,14 @@ class ReplaySubject {
             // Who has left the list already is not told when the subject goes.
             if (state_ == nullptr || downstream_ == nullptr) return;
             const Delivery delivery(*state_, std::move(locked));
-            if (auto downstream = release()) state_->released.push_back(std::move(downstream));
+            leaving_ = release();
+            nextReleased_ = std::exchange(state_->released, self);
+        }
+        /// Lets go of a subscriber that has cancelled; who has cancelled before it. Needs no lock: nobody else is here.
+        [[nodiscard]] std::shared_ptr<ReplaySubjectSubscription> leave() {
+            auto next = std::exchange(nextReleased_, nullptr);
+            leaving_.reset();
+            return next;
         }
 
       private:
@@ -264,6 +282,9 @@ class ReplaySubject {
         }
 
         std::shared_ptr<Subscriber<Output, Failure>> downstream_;
+        /// Once it has cancelled, until no delivery is under way.
+        std::shared_ptr<Subscriber<Output, Failure>> leaving_;
+        std::shared_ptr<ReplaySubjectSubscription> nextReleased_;
         /// Absent when the subject has gone.
         State* state_;
         std::shared_ptr<RecursiveLock> lock_;

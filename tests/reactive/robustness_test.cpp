@@ -113,6 +113,45 @@ TEST(ASubscriber, whoThrowsStopsNothingElse) {
     EXPECT_EQ(replay.subscriptionCount(), 1U);
 }
 
+TEST(ASubscription, mayBeCancelledAgainWhenTheSubjectHasGone) {
+    std::optional<ReplaySubject<int>> replay(ReplaySubject<int>(1));
+    const auto probe = std::make_shared<Probe<int>>();
+    const auto ended = std::make_shared<Probe<int>>();
+    replay->subscribe(probe);
+    probe->subscription->cancel();
+    replay->subscribe(ended);
+    replay->finish();
+    replay.reset();
+    probe->subscription->cancel();
+    ended->subscription->cancel();
+    probe->subscription->request(1);
+    EXPECT_EQ(ended->completions.size(), 1U);
+    EXPECT_EQ(probe->faults.size() + ended->faults.size(), 0U);
+}
+
+TEST(APassThroughSubject, countsThoseWhoCancelOnSeveralThreads) {
+    constexpr int threads = 4;
+    constexpr int each = 100;
+    for (int round = 0; round < 20; ++round) {
+        const PassThroughSubject<int> subject;
+        const auto staying = subject.eraseToAnyPublisher().sink([](int) {});
+        std::vector<std::vector<AnyCancellable>> leaving(threads);
+        for (auto& ofThread : leaving) {
+            for (int i = 0; i < each; ++i)
+                ofThread.push_back(subject.eraseToAnyPublisher().sink([](int) {}));
+        }
+        std::vector<std::thread> running;
+        for (auto& ofThread : leaving)
+            running.emplace_back([&] { ofThread.clear(); });
+        for (auto& thread : running)
+            thread.join();
+        std::vector<AnyCancellable> late;
+        for (int i = 0; i < each; ++i)
+            late.push_back(subject.eraseToAnyPublisher().sink([](int) {}));
+        EXPECT_EQ(subject.subscriberCount(), each + 1U);
+    }
+}
+
 TEST(ASubscriber, isCalledByOneThreadAtATimeAndNotAfterTheEnd) {
     class Watchful final : public Subscriber<int, Never> {
       public:

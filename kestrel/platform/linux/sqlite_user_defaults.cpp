@@ -288,6 +288,8 @@ struct SQLiteUserDefaults::Connection {
     std::optional<FileIdentity> log{};
     /// Of what the table in memory was read from.
     std::int64_t version = -1;
+    /// Whether the file was found whole when it was opened.
+    bool isWhole = false;
     bool usesLog = false;
     bool hasTable = false;
 };
@@ -416,6 +418,12 @@ SQLiteUserDefaults::Table SQLiteUserDefaults::load(Connection& connection) {
     if (connection.ask("PRAGMA user_version") > layoutVersion) {
         throw Failure{.domain = "SQLite", .code = SQLITE_FORMAT, .reason = "a newer release has written the file"};
     }
+    if (!connection.isWhole) {
+        // In a damaged file a write may succeed and not be there when the file is opened again.
+        const auto verdict = database.execAndGet("PRAGMA integrity_check(1)").getString();
+        if (verdict != "ok") throw Failure{.domain = "SQLite", .code = SQLITE_CORRUPT, .reason = verdict};
+        connection.isWhole = true;
+    }
     Table table;
     connection.hasTable = connection.ask("SELECT count(*) FROM sqlite_master WHERE name='defaults'") > 0;
     if (connection.hasTable) {
@@ -479,7 +487,7 @@ bool SQLiteUserDefaults::store(std::string_view key, const std::optional<Default
         connection_ = std::make_unique<Connection>(file_, *identity);
     }
     auto& connection = *connection_;
-    const std::string name(key);
+    std::string name(key);
     connection.useLog();
     SQLite::Transaction transaction(connection.database, SQLite::TransactionBehavior::IMMEDIATE);
     if (connection.currentVersion() != connection.version) replaceTable(load(connection), hasChanged);
@@ -500,19 +508,25 @@ bool SQLiteUserDefaults::store(std::string_view key, const std::optional<Default
     (void)statement->exec();
     (void)statement->tryReset();
     statement->clearBindings();
+    // All memory is taken before the commit: what is stored is in the table, too.
+    DefaultsValue copy = value.value_or(DefaultsValue());
+    const fs::path log = logOf(file_);
+    if (value) {
+        const std::unique_lock lock(tableMutex_);
+        table_.reserve(table_.size() + 1);
+    }
     transaction.commit();
     connection.hasTable = true;
-    connection.log = identityOf(logOf(file_));
+    connection.log = identityOf(log);
     // Written to a file that is not there any more, it would be lost.
     if (identityOf(file_) != connection.identity) return false;
 
     hasChanged = true;
-    DefaultsValue copy = value.value_or(DefaultsValue());
     const std::unique_lock lock(tableMutex_);
     if (!value) {
         table_.erase(name);
     } else {
-        table_.insert_or_assign(name, std::move(copy));
+        table_.insert_or_assign(std::move(name), std::move(copy));
     }
     return true;
 }
