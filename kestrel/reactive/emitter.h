@@ -45,7 +45,10 @@ class Emission final : public Subscription, public std::enable_shared_from_this<
         {
             const std::scoped_lock lock(mutex_);
             if (downstream_ == nullptr || completion_) return;
-            if (!keepsValues_ && demand_.isNone()) return;
+            // Those that wait for their turn are asked for, too.
+            if (const auto asked = demand_.count();
+                !keepsValues_ && asked && std::cmp_less_equal(*asked, waiting_.size()))
+                return;
             waiting_.push_back(std::move(value));
         }
         deliver();
@@ -82,17 +85,23 @@ class Emission final : public Subscription, public std::enable_shared_from_this<
         while (downstream_ != nullptr) {
             if (!waiting_.empty()) {
                 if (!demand_.take()) break;
-                const Output value = std::move(waiting_.front());
-                waiting_.pop_front();
-                const auto downstream = downstream_;
-                lock.unlock();
-                const Demand more = downstream->receive(value);
+                Demand more = Demand::none();
+                {
+                    // Let go outside of the lock: what ends with them may come back here.
+                    std::list<Output> taken;
+                    taken.splice(taken.begin(), waiting_, waiting_.begin());
+                    const auto downstream = downstream_;
+                    lock.unlock();
+                    more = downstream->receive(taken.front());
+                }
                 lock.lock();
                 demand_ += more;
             } else if (completion_) {
-                const auto downstream = std::exchange(downstream_, nullptr);
-                lock.unlock();
-                downstream->receive(*completion_);
+                {
+                    const auto downstream = std::exchange(downstream_, nullptr);
+                    lock.unlock();
+                    downstream->receive(*completion_);
+                }
                 lock.lock();
             } else {
                 break;
@@ -161,7 +170,8 @@ class Emitter {
 namespace reactive_detail {
 
 template <class Output, class Failure, class Start>
-void startEmission(std::shared_ptr<Subscriber<Output, Failure>> subscriber, Start&& start, bool keepsValues = true) {
+void startEmission(const std::shared_ptr<Subscriber<Output, Failure>>& subscriber, Start&& start,
+                   bool keepsValues = true) {
     const auto emission = std::make_shared<Emission<Output, Failure>>(subscriber, keepsValues);
     subscriber->receive(emission);
     if (emission->isCancelled()) return;

@@ -98,8 +98,14 @@ class ReplaySubject {
             const auto subscription =
                 std::make_shared<ReplaySubjectSubscription>(std::move(subscriber), *this, values());
             subscriptions.push_back(subscription);
-            subscription->start();
-            subscription->replay(completion);
+            try {
+                subscription->start();
+                subscription->replay(completion);
+            } catch (...) {
+                // It has not had what came before, so it is to have nothing.
+                subscription->cancel();
+                throw;
+            }
         }
         /// What is replayed, the oldest first.
         [[nodiscard]] std::vector<Output> values() const {
@@ -150,8 +156,8 @@ class ReplaySubject {
         std::size_t oldest = 0;
         std::vector<std::shared_ptr<ReplaySubjectSubscription>> subscriptions;
         std::optional<Completion<Failure>> completion;
-        /// Those who have cancelled, during a delivery perhaps, which may be one to themselves: they last until it is
-        /// over. A chain, so that cancelling needs no memory.
+        /// Those who have left, by cancelling or by the end, during a delivery perhaps, which may be one to themselves:
+        /// they last until it is over. A chain, so that leaving needs no memory.
         std::shared_ptr<ReplaySubjectSubscription> released;
         /// How many deliveries are under way, each inside the other.
         int deliveries = 0;
@@ -239,7 +245,8 @@ class ReplaySubject {
             if (!isReplayed_ || downstream_ == nullptr) return;
             // Copied first: when that fails, nobody has left.
             Completion<Failure> copy = completion;
-            release()->receive(std::move(copy));
+            leaveLater();
+            leaving_->receive(std::move(copy));
         }
         /// Gives what was there before, and the end if there was one.
         void replay(const std::optional<Completion<Failure>>& completion) {
@@ -263,10 +270,9 @@ class ReplaySubject {
             // Who has left the list already is not told when the subject goes.
             if (state_ == nullptr || downstream_ == nullptr) return;
             const Delivery delivery(*state_, std::move(locked));
-            leaving_ = release();
-            nextReleased_ = std::exchange(state_->released, self);
+            leaveLater();
         }
-        /// Lets go of a subscriber that has cancelled; who has cancelled before it. Needs no lock: nobody else is here.
+        /// Lets go of a subscriber that has left; who has left before it. Needs no lock: nobody else is here.
         [[nodiscard]] std::shared_ptr<ReplaySubjectSubscription> leave() {
             auto next = std::exchange(nextReleased_, nullptr);
             leaving_.reset();
@@ -274,15 +280,17 @@ class ReplaySubject {
         }
 
       private:
-        [[nodiscard]] std::shared_ptr<Subscriber<Output, Failure>> release() {
-            if (downstream_ == nullptr) return nullptr;
+        /// Has had the end, or has cancelled. The subscriber may be under way in a delivery, so it is let go behind
+        /// that.
+        void leaveLater() {
             ++state_->dead;
             state_->isUntidy = true;
-            return std::exchange(downstream_, nullptr);
+            leaving_ = std::exchange(downstream_, nullptr);
+            nextReleased_ = std::exchange(state_->released, this->shared_from_this());
         }
 
         std::shared_ptr<Subscriber<Output, Failure>> downstream_;
-        /// Once it has cancelled, until no delivery is under way.
+        /// Once it has left, until no delivery is under way.
         std::shared_ptr<Subscriber<Output, Failure>> leaving_;
         std::shared_ptr<ReplaySubjectSubscription> nextReleased_;
         /// Absent when the subject has gone.

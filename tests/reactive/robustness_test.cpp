@@ -4,10 +4,12 @@
 #include <kestrel/reactive/replay_subject.h>
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <new>
 #include <optional>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "probe.h"
@@ -111,6 +113,114 @@ TEST(ASubscriber, whoThrowsStopsNothingElse) {
     for (int i = 0; i < 100; ++i)
         (void)replay.eraseToAnyPublisher().sink([](int) {});
     EXPECT_EQ(replay.subscriptionCount(), 1U);
+}
+
+/// A subscriber that nobody but the publisher knows, and that ends the subject when it gets a value.
+template <class Subject>
+class EndsItsSubject final : public Subscriber<int, Never> {
+  public:
+    EndsItsSubject(const Subject& subject, bool& isCutShort) : subject_(subject), isCutShort_(isCutShort) {}
+    EndsItsSubject(const EndsItsSubject&) = delete;
+    EndsItsSubject& operator=(const EndsItsSubject&) = delete;
+    ~EndsItsSubject() override { isCutShort_ = isReceiving_; }
+
+    void receive(std::shared_ptr<Subscription> given) override { given->request(Demand::unlimited()); }
+    Demand receive(const int& /*value*/) override {
+        isReceiving_ = true;
+        subject_.finish();
+        isReceiving_ = false;
+        return Demand::none();
+    }
+    void receive(Completion<Never> /*completion*/) override {}
+
+  private:
+    const Subject& subject_;
+    bool& isCutShort_;
+    bool isReceiving_ = false;
+};
+
+template <class Subject>
+void expectThatItMayEnd(const Subject& subject) {
+    bool isCutShort = true;
+    subject.subscribe(std::make_shared<EndsItsSubject<Subject>>(subject, isCutShort));
+    subject.send(1);
+    EXPECT_FALSE(isCutShort);
+}
+
+TEST(ASubscriber, mayEndTheSubjectInsideADeliveryToItself) {
+    expectThatItMayEnd(ReplaySubject<int>(1));
+    expectThatItMayEnd(PassThroughSubject<int>());
+}
+
+/// Cancels when it goes.
+class CancelsAtLast final : public Subscriber<int, Never> {
+  public:
+    CancelsAtLast() = default;
+    CancelsAtLast(const CancelsAtLast&) = delete;
+    CancelsAtLast& operator=(const CancelsAtLast&) = delete;
+    ~CancelsAtLast() override { subscription_->cancel(); }
+
+    void receive(std::shared_ptr<Subscription> given) override {
+        subscription_ = std::move(given);
+        subscription_->request(Demand::unlimited());
+    }
+    Demand receive(const int& /*value*/) override { return Demand::none(); }
+    void receive(Completion<Never> /*completion*/) override {}
+
+  private:
+    std::shared_ptr<Subscription> subscription_;
+};
+
+TEST(AnEmitter, letsGoOfASubscriberThatCancelsAtLast) {
+    // Whoever is let go under the lock that cancelling takes waits for ever.
+    std::optional<Emitter<int, Never>> emitter;
+    const auto source = create<int>([&](const Emitter<int, Never>& given) {
+        emitter = given;
+        return AnyCancellable();
+    });
+    source.subscribe(std::make_shared<CancelsAtLast>());
+    emitter->send(1);
+    emitter->finish();
+    EXPECT_TRUE(emitter->isCancelled());
+
+    // The same for what a stage keeps, when it is cancelled during a value.
+    AnyCancellable listening;
+    const auto kept = std::make_shared<std::function<void()>>();
+    listening =
+        source.map([atLast = std::shared_ptr<void>(nullptr, [&](void*) { (*kept)(); })](int value) { return value; })
+            .sink([&](int) { listening.cancel(); });
+    bool wasCancelled = false;
+    *kept = [&] { wasCancelled = emitter->isCancelled(); };
+    emitter->send(2);
+    EXPECT_TRUE(wasCancelled);
+}
+
+/// Throws when it is given its subscription, or at its first value.
+class Throws final : public Subscriber<int, Never> {
+  public:
+    explicit Throws(bool atOnce) : atOnce_(atOnce) {}
+
+    void receive(std::shared_ptr<Subscription> given) override {
+        given->request(Demand::unlimited());
+        if (atOnce_) throw std::bad_alloc();
+    }
+    Demand receive(const int& /*value*/) override { throw std::bad_alloc(); }
+    void receive(Completion<Never> /*completion*/) override {}
+
+  private:
+    bool atOnce_;
+};
+
+TEST(ASubscriber, whoThrowsAtTheReplayIsNotSubscribed) {
+    const ReplaySubject<int> replay(2);
+    replay.send(1);
+    for (const bool atOnce : {true, false})
+        EXPECT_THROW(replay.receive(std::make_shared<Throws>(atOnce)), std::bad_alloc);
+    EXPECT_EQ(replay.subscriptionCount(), 0U);
+    replay.send(2);
+    Numbers values;
+    const auto listening = replay.eraseToAnyPublisher().sink([&](int value) { values.push_back(value); });
+    EXPECT_EQ(values, (Numbers{1, 2}));
 }
 
 TEST(ASubscription, mayBeCancelledAgainWhenTheSubjectHasGone) {
@@ -259,9 +369,21 @@ TEST(ATimer, losesWhatNobodyAsksFor) {
         emitter->send(value);
     subscriber->request(Demand(1));
     EXPECT_EQ(subscriber->values, Numbers{1});
+    // Of those that are sent inside a delivery only as many wait as are asked for.
+    subscriber->request(Demand(1));
+    subscriber->onValue = [&](int value) {
+        if (value == 4) {
+            emitter->send(5);
+            emitter->send(6);
+        }
+        return Demand::none();
+    };
     emitter->send(4);
+    EXPECT_EQ(subscriber->values, (Numbers{1, 4, 5}));
+    subscriber->request(Demand(1));
+    emitter->send(7);
     emitter->finish();
-    EXPECT_EQ(subscriber->values, (Numbers{1, 4}));
+    EXPECT_EQ(subscriber->values, (Numbers{1, 4, 5, 7}));
     EXPECT_EQ(subscriber->completions.size(), 1U);
 }
 

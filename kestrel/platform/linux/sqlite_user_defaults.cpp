@@ -515,12 +515,15 @@ bool SQLiteUserDefaults::store(std::string_view key, const std::optional<Default
         const std::unique_lock lock(tableMutex_);
         table_.reserve(table_.size() + 1);
     }
+    // Until the table has what the file has: should the file not be found again behind the commit, it is read anew.
+    const auto version = std::exchange(connection.version, -1);
     transaction.commit();
     connection.hasTable = true;
     connection.log = identityOf(log);
     // Written to a file that is not there any more, it would be lost.
     if (identityOf(file_) != connection.identity) return false;
 
+    connection.version = version;
     hasChanged = true;
     const std::unique_lock lock(tableMutex_);
     if (!value) {
