@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <host/store/record_table.h>
+#include <host/store/schema.h>
 #include <host/store/store.h>
 #include <kestrel/boards/opportunity_state.h>
 #include <kestrel/records/extra_fields_namer.h>
@@ -470,7 +471,7 @@ TEST(Store, keepsWriteAheadLogAndForeignKeys) {
     ASSERT_EQ(importFiles(smallExport, folder / "crm.db").exitCode, 0);
     SQLite::Database database(folder / "crm.db", SQLite::OPEN_READWRITE);
     EXPECT_EQ(database.execAndGet("PRAGMA journal_mode").getString(), "wal");
-    EXPECT_EQ(database.execAndGet("PRAGMA user_version").getInt(), 3);
+    EXPECT_EQ(database.execAndGet("PRAGMA user_version").getInt(), schemaVersion);
     EXPECT_EQ(database.execAndGet("SELECT count(*) FROM pragma_foreign_key_check").getInt(), 0);
     database.exec("PRAGMA foreign_keys = ON");
     EXPECT_THROW(database.exec(R"(DELETE FROM "User" WHERE id = 2)"), SQLite::Exception);
