@@ -6,6 +6,7 @@
 #include <kestrel/identity/any_object_id.h>
 #include <kestrel/identity/record_types.h>
 
+#include <algorithm>
 #include <array>
 #include <boost/unordered/unordered_flat_set.hpp>
 #include <cstdio>
@@ -13,6 +14,7 @@
 #include <fstream>
 #include <functional>
 #include <memory>
+#include <numeric>
 #include <random>
 #include <string>
 #include <unordered_set>
@@ -100,34 +102,69 @@ struct NamedHash {
     }
 };
 
-void addIdentifierSet() {
-    constexpr std::int64_t count = 1'000'000;
-    const auto fill = [] {
-        boost::unordered_flat_set<AnyObjectID, std::hash<AnyObjectID>> set;
-        for (std::int64_t i = 0; i < count / 2; ++i) {
-            set.insert(ObjectID<Contact>(i));
-            set.insert(ObjectID<Opportunity>(i));
-        }
-        return set;
-    };
-    const auto fillNamed = [] {
-        std::unordered_set<NamedID, NamedHash> set;
-        for (std::int64_t i = 0; i < count / 2; ++i) {
-            set.emplace("Contact", i);
-            set.emplace("Opportunity", i);
-        }
-        return set;
-    };
-    require(fill().size() == fillNamed().size(), "identifiers");
-    benchmark::RegisterBenchmark("a set of 1000000 identifiers/kestrel", [fill](benchmark::State& state) {
+/// Identifiers in no order, as records come when they are looked at.
+std::vector<std::int64_t> shuffledKeys(std::int64_t count) {
+    std::vector<std::int64_t> keys(static_cast<std::size_t>(count));
+    std::iota(keys.begin(), keys.end(), 0);
+    std::ranges::shuffle(keys, std::mt19937_64(1));
+    return keys;
+}
+
+/// Filling a set, and looking for everything in it.
+template <class MakeSet, class Contains>
+void addSetOf(const std::string& name, MakeSet fill, Contains countFound) {
+    benchmark::RegisterBenchmark(("a set of 1000000 identifiers/" + name).c_str(), [fill](benchmark::State& state) {
         for (auto _ : state)
             benchmark::DoNotOptimize(fill());
     })->Unit(benchmark::kMillisecond);
-    benchmark::RegisterBenchmark("a set of 1000000 identifiers/names in unordered_set", [fillNamed](
-                                                                                            benchmark::State& state) {
+    benchmark::RegisterBenchmark(("1000000 identifiers looked up/" + name).c_str(), [fill, countFound](
+                                                                                        benchmark::State& state) {
+        const auto set = fill();
         for (auto _ : state)
-            benchmark::DoNotOptimize(fillNamed());
+            benchmark::DoNotOptimize(countFound(set));
     })->Unit(benchmark::kMillisecond);
+}
+
+void addIdentifierSet() {
+    constexpr std::int64_t count = 1'000'000;
+    const auto keys = std::make_shared<const std::vector<std::int64_t>>(shuffledKeys(count / 2));
+    const auto fill = [keys] {
+        boost::unordered_flat_set<AnyObjectID, std::hash<AnyObjectID>> set;
+        for (const std::int64_t key : *keys) {
+            set.insert(ObjectID<Contact>(key));
+            set.insert(ObjectID<Opportunity>(key));
+        }
+        return set;
+    };
+    const auto fillNamed = [keys] {
+        std::unordered_set<NamedID, NamedHash> set;
+        for (const std::int64_t key : *keys) {
+            set.emplace("Contact", key);
+            set.emplace("Opportunity", key);
+        }
+        return set;
+    };
+    const auto countFound = [keys](const auto& set) {
+        std::size_t found = 0;
+        for (auto key = keys->rbegin(); key != keys->rend(); ++key) {
+            found += set.contains(ObjectID<Contact>(*key)) ? 1U : 0U;
+            found += set.contains(ObjectID<Opportunity>(*key)) ? 1U : 0U;
+        }
+        return found;
+    };
+    const auto countNamed = [keys](const auto& set) {
+        std::size_t found = 0;
+        for (auto key = keys->rbegin(); key != keys->rend(); ++key) {
+            found += set.contains(NamedID("Contact", *key)) ? 1U : 0U;
+            found += set.contains(NamedID("Opportunity", *key)) ? 1U : 0U;
+        }
+        return found;
+    };
+    const auto set = fill();
+    require(set.size() == count && countFound(set) == count, "identifiers");
+    require(countNamed(fillNamed()) == count, "identifiers by name");
+    addSetOf("kestrel", fill, countFound);
+    addSetOf("names in unordered_set", fillNamed, countNamed);
 }
 
 void addNewIdentifiers() {
