@@ -104,22 +104,23 @@ template <class Work>
 /// as it was; who does not want that removes duplicates.
 template <class Work, class Output = std::invoke_result_t<const Work&>>
 [[nodiscard]] AnyPublisher<Output, ReadError> observing(std::shared_ptr<HostContext> context, Work work) {
-    return create<Output, ReadError>([context, work = std::move(work)](Emitter<Output, ReadError>& emitter) {
-        const auto hasEnded = std::make_shared<bool>(false);
-        const auto send = [emitter, work, hasEnded] {
-            if (*hasEnded) return;
-            if (auto result = readingResult(work)) {
-                emitter.send(*std::move(result));
-            } else {
-                *hasEnded = true;
-                emitter.fail(std::move(result).error());
-            }
-        };
-        // Watched first, so that a change that the first value leads to is not missed.
-        auto watching = context->changes().sink([send](Void) { send(); });
-        send();
-        return watching;
-    });
+    return create<Output, ReadError>(
+        [context = std::move(context), work = std::move(work)](Emitter<Output, ReadError>& emitter) {
+            const auto hasEnded = std::make_shared<bool>(false);
+            const auto send = [emitter, work, hasEnded] {
+                if (*hasEnded) return;
+                if (auto result = readingResult(work)) {
+                    emitter.send(*std::move(result));
+                } else {
+                    *hasEnded = true;
+                    emitter.fail(std::move(result).error());
+                }
+            };
+            // Watched first, so that a change that the first value leads to is not missed.
+            auto watching = context->changes().sink([send](Void) { send(); });
+            send();
+            return watching;
+        });
 }
 
 /// The same for what cannot fail: what cannot be read is what `otherwise()` gives, which is left out when absent. Only
@@ -127,21 +128,22 @@ template <class Work, class Output = std::invoke_result_t<const Work&>>
 template <class Work, class Otherwise, class Output = std::invoke_result_t<const Work&>>
 [[nodiscard]] AnyPublisher<Output> observingAlways(std::shared_ptr<HostContext> context, Work work,
                                                    Otherwise otherwise) {
-    return create<Output>([context, work = std::move(work), otherwise](Emitter<Output, Never>& emitter) {
-               const auto send = [emitter, work, otherwise] {
-                   auto result = readingResult(work);
-                   std::optional<Output> value;
-                   if (result) {
-                       value.emplace(*std::move(result));
-                   } else {
-                       value = otherwise();
-                   }
-                   if (value) emitter.send(*std::move(value));
-               };
-               auto watching = context->changes().sink([send](Void) { send(); });
-               send();
-               return watching;
-           })
+    return create<Output>(
+               [context = std::move(context), work = std::move(work), otherwise](Emitter<Output, Never>& emitter) {
+                   const auto send = [emitter, work, otherwise] {
+                       auto result = readingResult(work);
+                       std::optional<Output> value;
+                       if (result) {
+                           value.emplace(*std::move(result));
+                       } else {
+                           value = otherwise();
+                       }
+                       if (value) emitter.send(*std::move(value));
+                   };
+                   auto watching = context->changes().sink([send](Void) { send(); });
+                   send();
+                   return watching;
+               })
         .removeDuplicates();
 }
 
