@@ -159,13 +159,15 @@ relationship to the contact, or by an email that is filed with them.
 
 constexpr std::string_view serveExamples =
     R"(Serves the pipeline board, and the pages of records and contacts, to a browser on this machine as the user may see
-them. Writes the address to open, which has a new token at each start; without it every request is refused. Cards are
-dragged to another column, or moved by the keyboard: arrow keys go from card to card, Enter opens one, M moves it.
+them. Writes the address to open, which has a new token at each start; without it no data is given. The browser keeps it
+for this port, so that other tabs and a reload need it no more. Cards are dragged to another column, or moved by the
+keyboard: arrow keys go from card to card, Enter opens one, M moves it.
 
   kestrel serve --database crm.db --user "Moses Frase"
   kestrel serve --database crm.db --user administrator --port 8080
 
-The command serves until it is ended by Ctrl-C or SIGTERM.)";
+The command serves until it is ended by Ctrl-C or SIGTERM; given once more, they end it without waiting for what is being
+answered.)";
 
 constexpr std::string_view showExamples =
     R"(Shows every member of the record that is present, and names the absent ones.

@@ -10,7 +10,9 @@
 #include <kestrel/platform/system.h>
 #include <pthread.h>
 
+#include <atomic>
 #include <csignal>
+#include <cstdlib>
 #include <exception>
 #include <thread>
 
@@ -30,9 +32,11 @@ class EndingSignals {
     EndingSignals(const EndingSignals&) = delete;
     EndingSignals& operator=(const EndingSignals&) = delete;
 
-    void wait() const {
+    /// Gives back the signal.
+    [[nodiscard]] int wait() const {
         int signal = 0;
         sigwait(&signals_, &signal);
+        return signal;
     }
 
   private:
@@ -40,7 +44,8 @@ class EndingSignals {
     sigset_t before_{};
 };
 
-/// Serves until a signal ends it.
+/// Serves until a signal ends it. What is being answered is answered first, which takes as long as somebody else keeps
+/// the database; a second signal ends the process at once.
 ///
 /// The runtime and its services belong to the main thread: they take no locks, and what they publish comes on the main
 /// queue. So the main thread does what it does in every program, it runs the main loop, and each request is a piece of
@@ -51,6 +56,7 @@ void serveUntilSignalled(LoopbackServer& server, const AccessGate& gate, Applica
                          const EndingSignals& signals) {
     const auto queue = platform::mainQueue();
     bool hasEndedBySignal = false;
+    std::atomic<bool> hasEnded = false;
     std::exception_ptr problem;
     std::thread serving([&] {
         try {
@@ -64,12 +70,15 @@ void serveUntilSignalled(LoopbackServer& server, const AccessGate& gate, Applica
         queue->schedule([] { platform::quitMainLoop(); });
     });
     std::thread waiting([&] {
-        signals.wait();
+        (void)signals.wait();
         server.stop();
+        if (hasEnded) return;
+        if (const int again = signals.wait(); !hasEnded) std::_Exit(128 + again);
     });
     platform::runMainLoop();
     serving.join();
-    // When it was no signal that ended it, the other thread waits for one still.
+    hasEnded = true;
+    // The other thread waits for a signal still: the second one, or the first when it was no signal that ended it.
     // It takes the signal by waiting, for the signal is blocked.
     pthread_kill(waiting.native_handle(), SIGTERM);  // NOLINT(bugprone-bad-signal-to-kill-thread)
     waiting.join();

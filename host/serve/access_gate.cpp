@@ -2,7 +2,6 @@
 #include <host/accounts/secrets.h>
 #include <host/serve/access_gate.h>
 
-#include <algorithm>
 #include <string_view>
 
 namespace kestrel::host {
@@ -11,6 +10,7 @@ namespace {
 constexpr std::string_view host = "127.0.0.1";
 constexpr std::uint16_t standardPort = 80;
 constexpr std::size_t longestPath = 1024;
+constexpr const char* tokenHeader = "x-kestrel-token";
 
 HTTPResponse refused(const HTTPRequest& request, HTTPStatus status, const UserErrorMessage& message) {
     return request.wantsDocument() ? HTTPResponse::errorPage(status, message) : HTTPResponse::error(status, message);
@@ -22,6 +22,11 @@ HTTPResponse forbidden(const HTTPRequest& request, std::string reason) {
 
 bool isChange(const HTTPRequest& request) {
     return request.method != "GET" && request.method != "HEAD";
+}
+
+/// Whether it asks for the page, or for a file of it, and for nothing of the database.
+bool isOfPage(const HTTPRequest& request) {
+    return !isChange(request) && !request.path.starts_with("/api");
 }
 
 /// Whether the browser says that the request comes from this server's page or from the user; true for what is no
@@ -41,48 +46,25 @@ bool isJSON(const HTTPRequest& request) {
 }  // namespace
 
 AccessGate::AccessGate(std::uint16_t port)
-    : authority_(port == standardPort ? std::string(host) : fmt::format("{}:{}", host, port)),
-      token_(newToken()),
-      cookieName_(fmt::format("kestrel-{}", port)),
-      cookie_(newToken()) {}
+    : authority_(port == standardPort ? std::string(host) : fmt::format("{}:{}", host, port)), token_(newToken()) {}
 
 std::string AccessGate::url() const {
     return fmt::format("http://{}/?token={}", authority_, token_);
-}
-
-bool AccessGate::hasCookie(const HTTPRequest& request) const {
-    constexpr std::string_view blanks = " \t";
-    const auto [first, behind] = request.headers.equal_range("cookie");
-    for (auto header = first; header != behind; ++header) {
-        std::string_view rest = header->second;
-        while (!rest.empty()) {
-            std::string_view pair = rest.substr(0, rest.find(';'));
-            rest.remove_prefix(std::min(pair.size() + 1, rest.size()));
-            pair.remove_prefix(std::min(pair.find_first_not_of(blanks), pair.size()));
-            const auto equals = pair.find('=');
-            if (equals == pair.npos || pair.substr(0, equals) != cookieName_) continue;
-            if (isSameToken(cookie_, pair.substr(equals + 1))) return true;
-        }
-    }
-    return false;
 }
 
 std::optional<HTTPResponse> AccessGate::answer(const HTTPRequest& request) const {
     if (request.header("host") != authority_)
         return forbidden(request, fmt::format("This server is called {} and nothing else.", authority_));
 
-    // Whoever knows the token may come from anywhere: a terminal, a mail program, a list of bookmarks.
-    if (request.method == "GET" && request.path == "/") {
-        if (const auto token = request.parameter("token"); token && isSameToken(token_, *token)) {
-            return HTTPResponse{.status = HTTPStatus::seeOther,
-                                .headers = {{"Location", "/"},
-                                            {"Set-Cookie", fmt::format("{}={}; Path=/; HttpOnly; SameSite=Strict",
-                                                                       cookieName_, cookie_)}}};
-        }
+    if (isOfPage(request)) {
+        // To be opened by a link is all that another page can do with it: it is shown in no frame and read by nobody.
+        if (!request.wantsDocument() && !isOfOwnPage(request)) return forbidden(request, "Another page asked for it.");
+    } else {
+        if (!isOfOwnPage(request)) return forbidden(request, "Another page asked for it.");
+        const auto token = request.header(tokenHeader);
+        if (!token || !isSameToken(token_, *token))
+            return forbidden(request, "Open the address that `kestrel serve` printed when it started, with its token.");
     }
-    if (!isOfOwnPage(request)) return forbidden(request, "Another page asked for it.");
-    if (!hasCookie(request))
-        return forbidden(request, "Open the address that `kestrel serve` printed when it started, with its token.");
     if (request.path.size() > longestPath)
         return refused(request, HTTPStatus::uriTooLong, UserErrorMessage::titleOnly("The address is too long."));
 

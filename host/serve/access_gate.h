@@ -7,16 +7,18 @@
 
 namespace kestrel::host {
 
-/// Decides which requests are answered at all: those of the browser that was given the address with the token, made by
-/// this server's own page. A value that does not change; it may be asked from several threads at once.
+/// Decides which requests are answered at all: those of this server's own page in a browser that was given the address
+/// with the token. A value that does not change; it may be asked from several threads at once.
 ///
-/// The token of the address is exchanged for a cookie, which scripts cannot read and other sites cannot send, and the
-/// browser is sent on to the address without it. Cookies are the same for all ports of a machine, so the cookie is
-/// named by the port, and what a page of another port asks for is refused by what the browser says of its origin. A
-/// name that somebody else has made mean 127.0.0.1 is refused by the Host header.
+/// The page and its files are the same for everybody and tell nothing, so they are there for whoever opens them, from a
+/// link in another page, too. The page takes the token out of its address, keeps it and says it in a header of each
+/// request for data; without it there is none, and nothing is changed. There is no cookie: a browser sends those of
+/// 127.0.0.1 to the servers of all its ports, while what a page keeps is for its own port alone. Another page does not
+/// know the token, and a browser asks before it sends such a header from elsewhere, which is refused. A name that
+/// somebody else has made mean 127.0.0.1 is refused by the Host header.
 class AccessGate {
   public:
-    /// With a token and a cookie of its own.
+    /// With a token of its own.
     explicit AccessGate(std::uint16_t port);
 
     /// The address that lets a browser in.
@@ -27,13 +29,9 @@ class AccessGate {
     [[nodiscard]] std::optional<HTTPResponse> answer(const HTTPRequest& request) const;
 
   private:
-    [[nodiscard]] bool hasCookie(const HTTPRequest& request) const;
-
     /// "127.0.0.1:8080".
     std::string authority_;
     std::string token_;
-    std::string cookieName_;
-    std::string cookie_;
 };
 
 }  // namespace kestrel::host

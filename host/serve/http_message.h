@@ -13,7 +13,6 @@ namespace kestrel::host {
 
 enum class HTTPStatus : int {
     ok = 200,
-    seeOther = 303,
     badRequest = 400,
     unauthorized = 401,
     forbidden = 403,

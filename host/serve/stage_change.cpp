@@ -3,6 +3,7 @@
 #include <host/serve/local_moment.h>
 #include <host/serve/request_refusal.h>
 #include <host/serve/stage_change.h>
+#include <host/services/sqlite_pipeline_board_service.h>
 #include <host/services/value_of.h>
 #include <host/terminal/json_object.h>
 #include <kestrel/boards/board_card_pasteboard.h>
@@ -51,6 +52,11 @@ RequestRefusal unreadable(const DecodingError& error) {
 
 RequestRefusal refused(ChangeStageError error) {
     return {HTTPStatus::conflict, userErrorMessage(error)};
+}
+
+/// The user may move the card; the database is busy, or its disk is full.
+RequestRefusal unwritten(const Failure& failure) {
+    return {HTTPStatus::conflict, {"The card could not be moved.", fmt::format("{}. Try again.", failure.what())}};
 }
 
 PipelineBoardCardPasteboardData droppedCard(const std::string& text) {
@@ -159,7 +165,11 @@ std::string changeStage(std::string_view body, Runtime& runtime, const CalendarM
     std::optional<ChangeStageError> refusal;
     const auto changing = runtime[services::pipelineBoard].changeStage(options).sink(
         [&](const Completion<ChangeStageError>& completion) { refusal = completion.failure(); });
-    if (refusal) throw refused(*refusal);
+    if (refusal) {
+        const auto board = std::dynamic_pointer_cast<SQLitePipelineBoardService>(runtime.find(services::pipelineBoard));
+        if (board && board->changeFailure()) throw unwritten(*board->changeFailure());
+        throw refused(*refusal);
+    }
     return JSONObject().add("stageName", drop.stageName).json();
 }
 

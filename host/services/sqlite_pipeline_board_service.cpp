@@ -32,9 +32,11 @@ std::string preferenceName(const HostContext& context, BoardKind kind, const Use
 }
 
 /// What `change` refuses, if anything. Without a database there is no record to change; in one that cannot be written,
-/// and without a user who is known to it, nothing may be.
+/// and without a user who is known to it, nothing may be. Leaves in `failure` what the error does not say.
 template <class Error, class Change>
-std::optional<Error> refusalOf(HostContext& context, Error notFound, const Change& change) {
+std::optional<Error> refusalOf(HostContext& context, std::optional<Failure>& failure, Error notFound,
+                               const Change& change) {
+    failure.reset();
     try {
         return context.write(change);
     } catch (const std::bad_alloc&) {
@@ -43,7 +45,10 @@ std::optional<Error> refusalOf(HostContext& context, Error notFound, const Chang
         return notFound;
     } catch (const RecordMissing&) {
         return notFound;
-    } catch (const std::exception&) {
+    } catch (const Refusal&) {
+        return Error::noWritePermission;
+    } catch (const std::exception& problem) {
+        failure.emplace(problem.what());
         return Error::noWritePermission;
     }
 }
@@ -105,24 +110,24 @@ AnyPublisher<BoardData, ReadError> SQLitePipelineBoardService::fetchBoard(const 
 }
 
 AnyPublisher<Never, ChangeStageError> SQLitePipelineBoardService::changeStage(const ChangeStageOptions& options) {
-    return finishing<ChangeStageError>([context = context_, options] {
-        return refusalOf(*context, ChangeStageError::objectiveNotFound,
+    return finishing<ChangeStageError>([context = context_, failure = changeFailure_, options] {
+        return refusalOf(*context, *failure, ChangeStageError::objectiveNotFound,
                          [&](RecordWriter& records) { return moveToStage(records, options); });
     });
 }
 
 AnyPublisher<Never, ChangeStateError> SQLitePipelineBoardService::changeState(const ObjectID<Opportunity>& id,
                                                                               const ChangeStateOptions& options) {
-    return finishing<ChangeStateError>([context = context_, id, options] {
-        return refusalOf(*context, ChangeStateError::opportunityNotFound,
+    return finishing<ChangeStateError>([context = context_, failure = changeFailure_, id, options] {
+        return refusalOf(*context, *failure, ChangeStateError::opportunityNotFound,
                          [&](RecordWriter& records) { return setState(records, id, options); });
     });
 }
 
 AnyPublisher<Never, ChangeStatusError> SQLitePipelineBoardService::changeStatus(const ObjectID<Project>& id,
                                                                                 std::int64_t statusCode) {
-    return finishing<ChangeStatusError>([context = context_, id, statusCode] {
-        return refusalOf(*context, ChangeStatusError::projectNotFound,
+    return finishing<ChangeStatusError>([context = context_, failure = changeFailure_, id, statusCode] {
+        return refusalOf(*context, *failure, ChangeStatusError::projectNotFound,
                          [&](RecordWriter& records) { return setStatus(records, id, statusCode); });
     });
 }

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <host/failure.h>
 #include <host/services/host_context.h>
 #include <kestrel/services/pipeline_board_service.h>
 #include <kestrel/services/system_user_defaults_service.h>
 #include <memory>
+#include <optional>
 #include <utility>
 
 namespace kestrel::host {
@@ -13,8 +15,9 @@ namespace kestrel::host {
 /// How a user left a board is a preference of whoever runs the program, apart for each database file and each user of
 /// it. One that cannot be read any more, or is of a pipeline that is gone, counts as never stored.
 ///
-/// What stops a change and is none of the cases of its error, a database that cannot be opened for example, is reported
-/// as the record's not being there. So is a record that the user may not read.
+/// A record that the user may not read is reported as not being there, and so is one of a database that is not there.
+/// What else stops a change and is none of the cases of its error, a database that is busy, full or broken for example,
+/// is reported as `noWritePermission`; `changeFailure` tells it from a refusal.
 class SQLitePipelineBoardService final : public PipelineBoardService {
   public:
     SQLitePipelineBoardService(std::shared_ptr<HostContext> context, SystemUserDefaultsService& preferences)
@@ -36,10 +39,15 @@ class SQLitePipelineBoardService final : public PipelineBoardService {
                                                                     const ChangeStateOptions& options) override;
     [[nodiscard]] AnyPublisher<Never, ChangeStatusError> changeStatus(const ObjectID<Project>& id,
                                                                       std::int64_t statusCode) override;
+    /// Why the last change could not be written, for a reason that its error has no case for; absent when it was
+    /// written, or refused for what its error says.
+    [[nodiscard]] const std::optional<Failure>& changeFailure() const noexcept { return *changeFailure_; }
 
   private:
     std::shared_ptr<HostContext> context_;
     SystemUserDefaultsService* preferences_;
+    /// Shared with the changes that are subscribed to later.
+    std::shared_ptr<std::optional<Failure>> changeFailure_ = std::make_shared<std::optional<Failure>>();
 };
 
 }  // namespace kestrel::host

@@ -1,6 +1,8 @@
 // The board: what it shows, filters and sorts.
 
 import assert from 'node:assert/strict';
+import { once } from 'node:events';
+import { createServer } from 'node:http';
 import { test } from 'node:test';
 import { cardOf, columnsOf, hostile, prepare, ready, rightToLeft, veryLong } from './support.mjs';
 
@@ -114,8 +116,35 @@ test('says what is wrong with an address, and lets nobody in without the token',
   await page.goto(`${kestrel.server.origin}/nowhere`);
   const stranger = await kestrel.browser.newContext();
   const foreign = await stranger.newPage();
-  const answer = await foreign.goto(`${kestrel.server.origin}/`);
-  assert.equal(answer.status(), 403);
-  assert.match(await foreign.innerText('body'), /kestrel serve/);
+  for (const path of ['/', '/record/Opportunity/2', `/?token=${'0'.repeat(64)}`]) {
+    await foreign.goto(kestrel.server.origin + path);
+    await foreign.getByRole('alert').getByText('kestrel serve').waitFor();
+    assert.doesNotMatch(await foreign.innerText('body'), /MG Special|GTX Pro/);
+    assert.doesNotMatch(foreign.url(), /token/);
+  }
   await stranger.close();
+});
+
+test('is opened by a link in another page, keeps no cookie, and lets in other tabs and a reload', async (t) => {
+  const elsewhere = createServer((_, response) => response.setHeader('Content-Type', 'text/html')
+    .end(`<a href="${kestrel.server.url}">board</a>`)).listen(0, '127.0.0.1');
+  t.after(() => elsewhere.close());
+  await once(elsewhere, 'listening');
+  const stranger = await kestrel.browser.newContext();
+  t.after(() => stranger.close());
+  const linking = await stranger.newPage();
+  await linking.goto(`http://localhost:${elsewhere.address().port}/`);
+  await linking.getByRole('link').click();
+  await ready(linking);
+  await cardOf(linking, 1).waitFor();
+  assert.equal(linking.url(), `${kestrel.server.origin}/`);
+  assert.deepEqual(await stranger.cookies(), []);
+  await linking.reload();
+  await cardOf(linking, 1).waitFor();
+  const tab = await stranger.newPage();
+  await tab.goto(`${kestrel.server.origin}/record/Opportunity/1`);
+  await tab.getByRole('heading', { name: 'GTX Pro for Cancity' }).waitFor();
+  // A wrong token in a link does not take away the right one.
+  await tab.goto(`${kestrel.server.origin}/?token=wrong`);
+  await cardOf(tab, 1).waitFor();
 });

@@ -127,8 +127,11 @@ export function prepare(user = 'Administrator') {
     const page = await context.newPage();
     page.setDefaultTimeout(15_000);
     await page.goto(state.server.url);
-    if (path !== '/') await page.goto(state.server.origin + path);
     await ready(page);
+    if (path !== '/') {
+      await page.goto(state.server.origin + path);
+      await ready(page);
+    }
     test.after(async () => {
       const hacked = await page.evaluate(() => window.hacked).catch(() => undefined);
       await context.close();

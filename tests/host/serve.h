@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cerrno>
 #include <cstdint>
 
 /// `kestrel serve` as a process, and a client that sends whatever bytes a test wants to.
@@ -48,6 +49,14 @@ class Connection {
             const auto sent = ::send(socket_, text.data(), text.size(), MSG_NOSIGNAL);
             if (sent <= 0) return;
             text.remove_prefix(static_cast<std::size_t>(sent));
+        }
+    }
+    /// Whether the server has closed it; what it has answered until now is dropped.
+    [[nodiscard]] bool isClosed() const {
+        std::array<char, 4096> part{};
+        for (;;) {
+            const auto count = ::recv(socket_, part.data(), part.size(), MSG_DONTWAIT);
+            if (count <= 0) return count == 0 || (errno != EAGAIN && errno != EWOULDBLOCK);
         }
     }
     /// What the server answers until it closes the connection.
@@ -121,10 +130,6 @@ class Served {
         }
         port_ = static_cast<std::uint16_t>(std::stoi(url_.substr(start.size())));
         token_ = url_.substr(url_.find('=') + 1);
-        // "kestrel-8080=…; Path=/; …"
-        const std::string given =
-            ask("GET /?token=" + token_ + " HTTP/1.1", {{"Host", authority()}}).header("set-cookie");
-        cookie_ = given.substr(0, given.find(';'));
     }
     ~Served() {
         if (child_ != 0) (void)end(SIGKILL);
@@ -132,9 +137,10 @@ class Served {
     Served(const Served&) = delete;
     Served& operator=(const Served&) = delete;
 
+    void send(int signal) const { ::kill(child_, signal); }
     /// The exit code; 128 and the signal's number for one that a signal ended.
     [[nodiscard]] int end(int signal) {
-        ::kill(child_, signal);
+        send(signal);
         int status = 0;
         ::waitpid(child_, &status, 0);
         child_ = 0;
@@ -144,7 +150,6 @@ class Served {
     [[nodiscard]] const std::string& url() const { return url_; }
     [[nodiscard]] std::uint16_t port() const { return port_; }
     [[nodiscard]] const std::string& token() const { return token_; }
-    [[nodiscard]] const std::string& cookie() const { return cookie_; }
     [[nodiscard]] std::string authority() const { return "127.0.0.1:" + std::to_string(port_); }
 
     using Headers = std::multimap<std::string, std::string>;
@@ -162,7 +167,7 @@ class Served {
     [[nodiscard]] Reply post(const std::string& path, std::string_view body) const {
         return ask("POST " + path + " HTTP/1.1", changeHeaders(body.size()), body);
     }
-    [[nodiscard]] Headers ownHeaders() const { return {{"Host", authority()}, {"Cookie", cookie_}}; }
+    [[nodiscard]] Headers ownHeaders() const { return {{"Host", authority()}, {"X-Kestrel-Token", token_}}; }
     [[nodiscard]] Headers changeHeaders(std::size_t length) const {
         Headers headers = ownHeaders();
         headers.insert({{"Origin", "http://" + authority()},
@@ -178,7 +183,6 @@ class Served {
     std::string url_;
     std::uint16_t port_ = 0;
     std::string token_;
-    std::string cookie_;
 };
 
 }  // namespace kestrel::host::test

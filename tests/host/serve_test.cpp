@@ -5,9 +5,12 @@
 #include <host/board/stage_change_message.h>
 #include <host/serve/access_gate.h>
 #include <host/serve/local_moment.h>
+#include <host/serve/loopback_server.h>
 
+#include <chrono>
 #include <nlohmann/json.hpp>
 #include <set>
+#include <thread>
 
 #include "people.h"
 
@@ -75,82 +78,90 @@ class Serve : public testing::Test {
     Served donn{arguments(database.path(), "Donn Cantrell")};
 };
 
-TEST_F(Serve, refusesEverythingToWhoeverDoesNotKnowTheToken) {
-    const std::vector<std::string> paths{"/",
-                                         "/contacts",
-                                         "/record/Opportunity/2",
-                                         "/assets/app.js",
-                                         "/assets/style.css",
-                                         "/assets/none",
-                                         "/api/board",
-                                         "/api/user",
-                                         "/api/record/Opportunity/2",
-                                         "/nowhere",
-                                         "/?token=",
-                                         "/?token=" + std::string(donn.token().size(), '0'),
-                                         "/?token=" + donn.token().substr(1),
-                                         "/?token=" + donn.token() + "0",
-                                         "/api/board?token=" + donn.token()};
-    const std::vector<Served::Headers> strangers{
+TEST_F(Serve, givesNoDataToWhoeverDoesNotKnowTheToken) {
+    const std::vector<std::string> data{"/api",
+                                        "/api/board",
+                                        "/api/user",
+                                        "/api/column?stage=1",
+                                        "/api/contacts",
+                                        "/api/record/Opportunity/2",
+                                        "/%61pi/board",
+                                        "/api/nowhere",
+                                        "/api/board?token=" + donn.token()};
+    const std::vector<std::string> files{
+        "/", "/contacts", "/record/Opportunity/2", "/assets/app.js", "/assets/none", "//api/board", "/API/board"};
+    const Served other(arguments(database.path(), "Moses Frase"));
+    EXPECT_NE(other.token(), donn.token());
+    std::vector<Served::Headers> strangers{
         {{"Host", donn.authority()}},
-        {{"Host", donn.authority()}, {"Cookie", "kestrel=1"}},
-        {{"Host", donn.authority()}, {"Cookie", donn.cookie().substr(0, donn.cookie().size() - 1)}},
-        {{"Host", donn.authority()}, {"Cookie", donn.cookie() + "0"}},
-        {{"Host", donn.authority()}, {"Cookie", "other" + donn.cookie()}},
-        {{"Host", donn.authority()}, {"Cookie", donn.cookie().substr(0, donn.cookie().find('=') + 1) + donn.token()}}};
-    for (const auto& path : paths) {
-        for (const auto& headers : strangers) {
-            for (const std::string method : {"GET", "HEAD", "POST", "PUT", "DELETE", "OPTIONS", "PATCH"}) {
-                if (path.starts_with("/?token") && method == "GET" && path == "/?token=" + donn.token()) continue;
+        {{"Host", donn.authority()}, {"Cookie", "X-Kestrel-Token=" + donn.token()}},
+        {{"Host", donn.authority()}, {"X-Kestrel-Token", donn.token()}, {"X-Kestrel-Token", donn.token()}}};
+    for (const std::string& token : {std::string(), std::string(donn.token().size(), '0'), donn.token().substr(1),
+                                     donn.token() + "0", other.token()})
+        strangers.push_back({{"Host", donn.authority()}, {"X-Kestrel-Token", token}});
+    for (const auto& headers : strangers) {
+        for (const std::string method : {"GET", "HEAD", "POST", "PUT", "DELETE", "OPTIONS", "PATCH"}) {
+            for (const auto& path : data)
+                EXPECT_EQ(donn.ask(method + " " + path + " HTTP/1.1", headers).status, 403) << method << " " << path;
+            for (const auto& path : files) {
                 const Reply reply = donn.ask(method + " " + path + " HTTP/1.1", headers);
-                EXPECT_EQ(reply.status, 403) << method << " " << path;
-                EXPECT_THAT(reply.body, Not(HasSubstr("MG Special")));
-                EXPECT_EQ(reply.header("set-cookie"), "") << method << " " << path;
+                if (method != "GET" && method != "HEAD") {
+                    EXPECT_EQ(reply.status, 403) << method << " " << path;
+                }
+                EXPECT_THAT(reply.body, AllOf(Not(HasSubstr("MG Special")), Not(HasSubstr(donn.token()))));
             }
         }
     }
     // In words for a page that asks, as a page for a person.
-    const Reply data = donn.ask("GET /api/board HTTP/1.1", {{"Host", donn.authority()}});
-    EXPECT_EQ(json::parse(data.body)["title"], "This is not for you.");
-    const Reply page =
-        donn.ask("GET / HTTP/1.1", {{"Host", donn.authority()}, {"Accept", "text/html,application/xhtml+xml"}});
+    const Reply asked = donn.ask("GET /api/board HTTP/1.1", {{"Host", donn.authority()}});
+    EXPECT_EQ(json::parse(asked.body)["title"], "This is not for you.");
+    const Reply page = donn.ask("GET /api/board HTTP/1.1",
+                                {{"Host", donn.authority()}, {"Accept", "text/html,application/xhtml+xml"}});
     EXPECT_EQ(page.header("content-type"), "text/html; charset=utf-8");
     EXPECT_THAT(page.body, HasSubstr("kestrel serve"));
 }
 
-TEST_F(Serve, exchangesTheTokenForACookieThatNoScriptAndNoOtherSiteHas) {
+TEST_F(Serve, opensItsPageFromAnyLinkAndSetsNoCookie) {
     EXPECT_EQ(donn.url(), "http://" + donn.authority() + "/?token=" + donn.token());
     EXPECT_EQ(donn.token().size(), 64U);
-    const Reply reply = donn.ask("GET /?token=" + donn.token() + " HTTP/1.1", {{"Host", donn.authority()}});
-    EXPECT_EQ(reply.status, 303);
-    EXPECT_EQ(reply.header("location"), "/");
-    EXPECT_EQ(reply.header("set-cookie"), donn.cookie() + "; Path=/; HttpOnly; SameSite=Strict");
-    EXPECT_THAT(donn.cookie(), Not(HasSubstr(donn.token()))) << "what the address says is not what the browser keeps";
-    EXPECT_EQ(donn.get("/").status, 200);
-    // Among others, wherever it stands.
-    for (const std::string& cookies : {"a=b; " + donn.cookie(), donn.cookie() + ";a=b", "a; =;;" + donn.cookie()})
-        EXPECT_EQ(donn.ask("GET / HTTP/1.1", {{"Host", donn.authority()}, {"Cookie", cookies}}).status, 200) << cookies;
-    // Another start, another token; its cookie is of no use here.
-    const Served other(arguments(database.path(), "Moses Frase"));
-    EXPECT_NE(other.token(), donn.token());
-    EXPECT_EQ(donn.ask("GET /?token=" + other.token() + " HTTP/1.1", {{"Host", donn.authority()}}).status, 403);
-    EXPECT_EQ(donn.ask("GET / HTTP/1.1", {{"Host", donn.authority()}, {"Cookie", other.cookie()}}).status, 403);
+    // A browser sends cookies of 127.0.0.1 to the servers of all its ports.
+    for (const std::string& path : {"/?token=" + donn.token(), std::string("/contacts")}) {
+        for (const std::string site : {"none", "same-origin", "same-site", "cross-site"}) {
+            const Reply reply =
+                donn.ask("GET " + path + " HTTP/1.1",
+                         {{"Host", donn.authority()}, {"Sec-Fetch-Site", site}, {"Sec-Fetch-Dest", "document"}});
+            EXPECT_EQ(reply.status, 200) << site;
+            EXPECT_EQ(reply.header("set-cookie"), "");
+            EXPECT_THAT(reply.body, AllOf(HasSubstr("<main id=\"main\""), Not(HasSubstr(donn.token()))));
+        }
+    }
+    EXPECT_EQ(donn.get("/api/board").header("set-cookie"), "");
+    for (const std::string destination : {"iframe", "script", "empty", "object"}) {
+        for (const std::string path : {"/", "/assets/app.js"}) {
+            const Served::Headers headers{
+                {"Host", donn.authority()}, {"Sec-Fetch-Site", "same-site"}, {"Sec-Fetch-Dest", destination}};
+            EXPECT_EQ(donn.ask("GET " + path + " HTTP/1.1", headers).status, 403) << destination << " " << path;
+        }
+    }
+    Served::Headers linked = donn.ownHeaders();
+    linked.insert({{"Sec-Fetch-Site", "cross-site"}, {"Sec-Fetch-Dest", "document"}});
+    EXPECT_EQ(donn.ask("GET /api/board HTTP/1.1", linked).status, 403) << "data is no page";
 }
 
 TEST_F(Serve, answersToItsOwnNameAlone) {
-    for (const std::string& host : {std::string("evil.example"), "evil.example:" + std::to_string(donn.port()),
-                                    "localhost:" + std::to_string(donn.port()), std::string("127.0.0.1"),
-                                    std::string("127.0.0.1:1"), donn.authority() + "0", std::string()}) {
-        EXPECT_EQ(donn.ask("GET / HTTP/1.1", {{"Host", host}, {"Cookie", donn.cookie()}}).status, 403) << host;
-        const Reply exchange = donn.ask("GET /?token=" + donn.token() + " HTTP/1.1", {{"Host", host}});
-        EXPECT_EQ(exchange.status, 403) << host;
-        EXPECT_EQ(exchange.header("set-cookie"), "");
+    const auto statusFor = [&](const std::string& path, Served::Headers headers) {
+        headers.emplace("X-Kestrel-Token", donn.token());
+        return donn.ask("GET " + path + " HTTP/1.1", headers).status;
+    };
+    for (const std::string path : {"/", "/api/board"}) {
+        for (const std::string& host : {std::string("evil.example"), "evil.example:" + std::to_string(donn.port()),
+                                        "localhost:" + std::to_string(donn.port()), std::string("127.0.0.1"),
+                                        std::string("127.0.0.1:1"), donn.authority() + "0", std::string()})
+            EXPECT_EQ(statusFor(path, {{"Host", host}}), 403) << host;
+        EXPECT_EQ(statusFor(path, {}), 403);
+        EXPECT_EQ(statusFor(path, {{"Host", donn.authority()}, {"Host", "evil.example"}}), 403);
+        EXPECT_EQ(statusFor(path, {{"Host", donn.authority()}}), 200);
     }
-    EXPECT_EQ(donn.ask("GET / HTTP/1.1", {{"Cookie", donn.cookie()}}).status, 403);
-    EXPECT_EQ(
-        donn.ask("GET / HTTP/1.1", {{"Host", donn.authority()}, {"Host", "evil.example"}, {"Cookie", donn.cookie()}})
-            .status,
-        403);
 }
 
 TEST_F(Serve, takesChangesFromItsOwnPageAlone) {
@@ -479,6 +490,26 @@ TEST_F(Serve, refusesToMoveWhatTheUserMayNotWrite) {
     EXPECT_EQ(json::parse(retired.body)["title"], "The pipeline is retired.");
 }
 
+TEST_F(Serve, tellsADatabaseThatCannotBeWrittenFromARefusal) {
+    const std::string before = dumpOf(database.path());
+    SQLite::Database(database.path(), SQLite::OPEN_READWRITE)
+        .exec(
+            "CREATE TRIGGER full BEFORE INSERT ON PipelineStageHistory BEGIN SELECT RAISE(ABORT, 'disk is full'); END");
+    const Reply reply = move(newDeal, engagingStage, {{"start", "2017-03-14T09:30"}});
+    EXPECT_EQ(reply.status, 409);
+    EXPECT_EQ(json::parse(reply.body)["title"], "The card could not be moved.");
+    EXPECT_THAT(json::parse(reply.body)["message"].get<std::string>(),
+                AllOf(HasSubstr("disk is full"), HasSubstr("Try again.")));
+    SQLite::Database(database.path(), SQLite::OPEN_READWRITE).exec("DROP TRIGGER full");
+    EXPECT_EQ(dumpOf(database.path()), before);
+    // What was told of one change is not told of the next.
+    database.write([](PeopleDatabase::Writer& writer) {
+        writer.change(newDeal, [](Opportunity& deal) { deal.permissions.writePermissions = {teamCentral}; });
+    });
+    EXPECT_EQ(json::parse(move(newDeal, engagingStage, {{"start", "2017-03-14T09:30"}}).body)["title"],
+              "You may not change this card.");
+}
+
 TEST(StageChangeMessages, sayEachRefusalInItsOwnWords) {
     std::set<std::string> titles;
     for (const auto error : allCases<ChangeStageError>) {
@@ -552,12 +583,159 @@ TEST_F(Serve, letsNoSlowClientKeepOthersWaiting) {
     EXPECT_EQ(slow[0]->reply().status, 0) << "given up, without an answer";
 }
 
+/// A server with small limits, which answers every path but "/no".
+class LimitedLoopback {
+  public:
+    explicit LimitedLoopback(const LoopbackServer::Limits& limits) : server_(0, limits) {
+        serving_ = std::thread([this] {
+            hasEnded_ = server_.serve(
+                [](const HTTPRequest& request) -> std::optional<HTTPResponse> {
+                    if (request.path != "/no") return std::nullopt;
+                    return HTTPResponse::error(HTTPStatus::forbidden, {"No.", "Why."});
+                },
+                [](const HTTPRequest& request) {
+                    return request.path == "/large" ? HTTPResponse::json(std::string(20'000'000, ' '))
+                                                    : HTTPResponse::json("0123456789");
+                });
+        });
+    }
+    ~LimitedLoopback() { stop(); }
+    LimitedLoopback(const LimitedLoopback&) = delete;
+    LimitedLoopback& operator=(const LimitedLoopback&) = delete;
+
+    void stop() {
+        if (!serving_.joinable()) return;
+        server_.stop();
+        serving_.join();
+        EXPECT_TRUE(hasEnded_);
+    }
+    [[nodiscard]] std::unique_ptr<Connection> connected(std::string_view text = "") const {
+        auto connection = std::make_unique<Connection>(server_.port());
+        connection->send(text);
+        return connection;
+    }
+    [[nodiscard]] Reply ask(std::string_view text) const { return connected(text)->reply(); }
+
+  private:
+    LoopbackServer server_;
+    bool hasEnded_ = false;
+    std::thread serving_;
+};
+
+class Elapsed {
+  public:
+    [[nodiscard]] std::chrono::duration<double> time() const { return std::chrono::steady_clock::now() - start_; }
+
+  private:
+    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+};
+
+constexpr std::chrono::seconds soon{2};
+
+TEST_F(Serve, answersWithTheWholeBodyWhateverRangesAreAskedFor) {
+    const std::vector<std::string> ranges{"bytes=0-0",
+                                          "bytes=0-0,2-3",
+                                          "bytes=-5",
+                                          "bytes=5-",
+                                          "bytes=99999999-",
+                                          "bytes=99999999-199999999",
+                                          "bytes=0-9223372036854775806",
+                                          "bytes=-9223372036854775806",
+                                          "bytes=99999999999999999999999-",
+                                          "bytes=9-3",
+                                          "bytes=",
+                                          "lines=1-2"};
+    const auto asked = [&](const std::string& path, Served::Headers headers) {
+        return donn.ask("GET " + path + " HTTP/1.1", headers);
+    };
+    for (const std::string path : {"/", "/assets/app.js", "/api/user", "/nowhere"}) {
+        for (const auto& who : {donn.ownHeaders(), Served::Headers{{"Host", donn.authority()}},
+                                Served::Headers{{"Host", "evil.example"}}}) {
+            const Reply whole = asked(path, who);
+            for (const auto& range : ranges) {
+                for (const std::string name : {"Range", "rAnGe", "x\nRange"}) {
+                    Served::Headers headers = who;
+                    headers.emplace(name, range);
+                    const Reply reply = asked(path, headers);
+                    EXPECT_EQ(reply.status, whole.status) << path << " " << range;
+                    EXPECT_EQ(reply.body, whole.body) << path << " " << range;
+                    EXPECT_EQ(reply.headers, whole.headers) << path << " " << range;
+                }
+            }
+        }
+    }
+}
+
+TEST(LoopbackServers, sendBodiesAsTheyAre) {
+    const LimitedLoopback server({});
+    const Reply reply = server.ask("GET / HTTP/1.1\r\nAccept-Encoding: gzip, br\r\nRange: bytes=1-2\r\n\r\n");
+    EXPECT_EQ(reply.status, 200);
+    EXPECT_EQ(reply.body, "0123456789");
+    EXPECT_EQ(reply.header("content-encoding"), "");
+    EXPECT_EQ(server.ask("GET /no HTTP/1.1\r\nRange: bytes=1-2\r\n\r\n").status, 403);
+    EXPECT_EQ(server.ask("HEAD / HTTP/1.1\r\n\r\n").header("accept-ranges"), "none");
+}
+
+TEST(LoopbackServers, giveUpAClientThatSendsALittleAtATime) {
+    const LimitedLoopback server({.request = std::chrono::milliseconds(400)});
+    const auto head = server.connected("GET / HTTP/1.1\r\n");
+    const auto body = server.connected("POST / HTTP/1.1\r\nContent-Length: 60000\r\n\r\n");
+    const Elapsed elapsed;
+    while (!head->isClosed() || !body->isClosed()) {
+        ASSERT_LT(elapsed.time(), soon);
+        head->send("a: b\r\n");
+        body->send("a");
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+}
+
+TEST(LoopbackServers, readNoHeadWithoutAnEnd) {
+    const LimitedLoopback server({});
+    std::string head = "GET / HTTP/1.1\r\n";
+    for (int i = 0; i < 100'000; ++i)
+        head += "a: b\r\n";
+    const Elapsed elapsed;
+    EXPECT_EQ(server.ask(head).status, 400);
+    EXPECT_EQ(server.ask("GET /" + std::string(1'000'000, 'a')).status, 414);
+    EXPECT_LT(elapsed.time(), soon);
+}
+
+TEST(LoopbackServers, keepNobodyWaitingForManySlowClients) {
+    const LimitedLoopback server({.connections = 4, .crowded = std::chrono::milliseconds(50)});
+    std::vector<std::unique_ptr<Connection>> slow;
+    for (int i = 0; i < 24; ++i)
+        slow.push_back(server.connected(i % 3 == 0   ? ""
+                                        : i % 3 == 1 ? "GET / HTTP/1.1\r\n"
+                                                     : "GET /large HTTP/1.1\r\n\r\n"));
+    const Elapsed elapsed;
+    EXPECT_EQ(server.ask("GET / HTTP/1.1\r\n\r\n").body, "0123456789");
+    EXPECT_LT(elapsed.time(), soon);
+    EXPECT_TRUE(slow[0]->isClosed()) << "the oldest makes room";
+}
+
+TEST(LoopbackServers, endWhateverTheirClientsDo) {
+    for (const std::size_t connections : {std::size_t{32}, std::size_t{2}}) {
+        LimitedLoopback server({.connections = connections});
+        std::vector<std::unique_ptr<Connection>> clients;
+        for (int i = 0; i < 3; ++i) {
+            clients.push_back(server.connected());
+            clients.push_back(server.connected("GET / HTTP/1.1\r\n"));
+            clients.push_back(server.connected("POST / HTTP/1.1\r\nContent-Length: 5\r\n\r\n"));
+            clients.push_back(server.connected("GET /large HTTP/1.1\r\n\r\n"));
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        const Elapsed elapsed;
+        server.stop();
+        EXPECT_LT(elapsed.time(), soon) << connections;
+    }
+}
+
 TEST_F(Serve, servesOneAfterTheOtherWhateverIsAskedAtOnce) {
     std::vector<std::unique_ptr<Connection>> connections;
     for (int i = 0; i < 24; ++i) {
         connections.push_back(std::make_unique<Connection>(donn.port()));
         connections.back()->send("GET /api/board HTTP/1.1\r\nHost: " + donn.authority() +
-                                 "\r\nCookie: " + donn.cookie() + "\r\n\r\n");
+                                 "\r\nX-Kestrel-Token: " + donn.token() + "\r\n\r\n");
     }
     for (const auto& connection : connections) {
         const Reply reply = connection->reply();
@@ -572,6 +750,35 @@ TEST_F(Serve, endsWhenItIsTold) {
     EXPECT_THROW(Connection{donn.port()}, std::runtime_error);
     Served moses(arguments(database.path(), "Moses Frase"));
     EXPECT_EQ(moses.end(SIGINT), 0) << "also before anything was asked";
+}
+
+TEST_F(Serve, endsSoonWhateverItsClientsDo) {
+    EXPECT_EQ(donn.get("/api/board").status, 200);
+    const Connection idle(donn.port());
+    const Connection slow(donn.port());
+    slow.send("GET /api/board HTTP/1.1\r\n");
+    const Elapsed elapsed;
+    EXPECT_EQ(donn.end(SIGTERM), 0);
+    EXPECT_LT(elapsed.time(), soon);
+}
+
+TEST_F(Serve, endsAtOnceByASecondSignal) {
+    const std::string drag = card(newDeal)["drag"];
+    const std::string body = json{{"card", drag}, {"stage", engagingStage}, {"start", "2017-03-14T09:30"}}.dump();
+    // Somebody keeps the database, so that a change waits for it.
+    SQLite::Database other(database.path(), SQLite::OPEN_READWRITE);
+    other.exec("BEGIN IMMEDIATE");
+    const Connection waiting(donn.port());
+    std::string request = "POST /api/stage-change HTTP/1.1\r\n";
+    for (const auto& [name, value] : donn.changeHeaders(body.size()))
+        request.append(name).append(": ").append(value).append("\r\n");
+    waiting.send(request + "\r\n" + body);
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    const Elapsed elapsed;
+    donn.send(SIGTERM);
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    EXPECT_EQ(donn.end(SIGINT), 128 + SIGINT);
+    EXPECT_LT(elapsed.time(), soon);
 }
 
 TEST_F(Serve, saysAtOnceWhyItCannotServe) {
@@ -629,9 +836,11 @@ TEST(AccessGates, knowTheirStandardPortWithoutItsNumber) {
     const AccessGate gate(80);
     EXPECT_TRUE(gate.url().starts_with("http://127.0.0.1/?token="));
     const auto token = gate.url().substr(gate.url().find('=') + 1);
-    const HTTPRequest request{
-        .method = "GET", .path = "/", .query = {{"token", token}}, .headers = {{"host", "127.0.0.1"}}};
-    EXPECT_EQ(gate.answer(request).value().status, HTTPStatus::seeOther);
+    HTTPRequest request{
+        .method = "GET", .path = "/api/board", .headers = {{"host", "127.0.0.1"}, {"x-kestrel-token", token}}};
+    EXPECT_FALSE(gate.answer(request));
+    request.headers = {{"host", "127.0.0.1:80"}, {"x-kestrel-token", token}};
+    EXPECT_TRUE(gate.answer(request));
 }
 
 }  // namespace
