@@ -216,8 +216,8 @@ template <class Make>
 template <class Output, class Failure = Never, class Start>
 [[nodiscard]] AnyPublisher<Output, Failure> create(Start start) {
     return AnyPublisher<Output, Failure>(
-        [start = std::move(start)](std::shared_ptr<Subscriber<Output, Failure>> subscriber) mutable {
-            reactive_detail::startEmission<Output, Failure>(std::move(subscriber), start);
+        [start = std::move(start)](const std::shared_ptr<Subscriber<Output, Failure>>& subscriber) mutable {
+            reactive_detail::startEmission<Output, Failure>(subscriber, start);
         });
 }
 
@@ -226,8 +226,8 @@ template <class Output, class Failure = Never, class Start>
 template <class Output, class Failure = Never, class Start>
 [[nodiscard]] AnyPublisher<Output, Failure> createUnbuffered(Start start) {
     return AnyPublisher<Output, Failure>(
-        [start = std::move(start)](std::shared_ptr<Subscriber<Output, Failure>> subscriber) mutable {
-            reactive_detail::startEmission<Output, Failure>(std::move(subscriber), start, false);
+        [start = std::move(start)](const std::shared_ptr<Subscriber<Output, Failure>>& subscriber) mutable {
+            reactive_detail::startEmission<Output, Failure>(subscriber, start, false);
         });
 }
 
