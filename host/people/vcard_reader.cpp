@@ -555,13 +555,14 @@ class CardBuilder {
                           [](const Property* property) { return std::pair(property->preference(), property); });
         for (const Property* property : ordered_) {
             std::string value = property->text();
+            const bool hasScheme = (property->name == "TEL" && startsWithWord(value, "tel:")) ||
+                                   (property->name == "EMAIL" && startsWithWord(value, "mailto:"));
+            if (hasScheme) value = withoutScheme(value);
             if (value.empty()) continue;
             const std::string label = labelOf(*property);
             if (property->name == "TEL") {
-                if (startsWithWord(value, "tel:")) value = withoutScheme(value);
                 card_.phones.push_back({.value = value, .label = label});
             } else if (property->name == "EMAIL") {
-                if (startsWithWord(value, "mailto:")) value = withoutScheme(value);
                 card_.emails.push_back({.value = value, .label = label});
             } else if (property->name == "URL") {
                 card_.urls.push_back({.value = value, .label = label});
