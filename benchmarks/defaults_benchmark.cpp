@@ -5,7 +5,6 @@
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <benchmark/benchmark.h>
 #include <kestrel/platform/system.h>
-#include <stdlib.h>
 
 #include <cstdint>
 #include <cstdio>
@@ -15,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "../tests/temporary_folder.h"
 #include "ratio_reporter.h"
 
 namespace {
@@ -81,9 +81,7 @@ class PlainSQLite {
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
-    auto name = (fs::temp_directory_path() / "defaults-XXXXXX").native();
-    require(mkdtemp(name.data()) != nullptr, "no temporary folder");
-    const fs::path folder = name;
+    const test::TemporaryFolder folder;
     const auto opened = platform::openUserDefaults(folder / "defaults.sqlite");
     require(opened.has_value(), "the store opens");
     const auto store = *opened;
@@ -131,6 +129,5 @@ int main(int argc, char** argv) {
     for (const auto& key : numbers)
         require(store->object(key).has_value(), "a number that was written");
     benchmark::Shutdown();
-    fs::remove_all(folder);
     return 0;
 }

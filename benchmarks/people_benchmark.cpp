@@ -8,8 +8,8 @@
 #include <host/store/record_table.h>
 #include <host/store/store.h>
 #include <spawn.h>
-#include <stdlib.h>
 #include <sys/wait.h>
+#include <tests/temporary_folder.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -155,27 +155,6 @@ class Generator {
     Numbers numbers_;
 };
 
-/// A folder that goes with the program.
-class TemporaryFolder {
-  public:
-    TemporaryFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "kestrel-benchmark-XXXXXX").native();
-        if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
-        path_ = name;
-    }
-    ~TemporaryFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    [[nodiscard]] std::string operator/(std::string_view name) const { return (path_ / name).native(); }
-
-  private:
-    std::filesystem::path path_;
-};
-
 /// Runs `kestrel` with the arguments, its output going nowhere. How long it took, in milliseconds; throws when it
 /// fails.
 double run(const std::vector<std::string>& arguments) {
@@ -216,8 +195,8 @@ void measure(std::string_view name, const std::string& database, ArgumentsOf&& a
 }
 
 void measureAll() {
-    const TemporaryFolder folder;
-    const std::string database = folder / "crm.db";
+    const kestrel::test::TemporaryFolder folder;
+    const std::string database = (folder / "crm.db").native();
     run({"import", KESTREL_SOURCE_DIR "/data/crm-sales-opportunities", "--database", database});
     std::printf("%-34s %11s %11s\n", "command", "median", "longest");
     const auto board = [](int) { return std::vector<std::string>{"board", "--at", "2017-03-14"}; };

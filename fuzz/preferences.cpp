@@ -1,5 +1,7 @@
 #include <fuzz/preferences.h>
+#include <sqlite3.h>
 #include <sys/inotify.h>
+#include <tests/temporary_folder.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -9,7 +11,6 @@
 #include <cstdint>
 #include <iterator>
 #include <limits>
-#include <system_error>
 #include <variant>
 
 /// The system has no watches to give: taking one back costs the kernel milliseconds, a hundred times what is tested
@@ -20,44 +21,54 @@ extern "C" int inotify_init1(int /*flags*/) {
     return -1;
 }
 
+/// The C library's own allocator, without what the sanitizer puts in between.
+// NOLINTBEGIN(readability-identifier-naming,bugprone-reserved-identifier): the system's names.
+extern "C" void* __libc_malloc(std::size_t size);
+extern "C" void* __libc_realloc(void* memory, std::size_t size);
+extern "C" void __libc_free(void* memory);
+// NOLINTEND(readability-identifier-naming,bugprone-reserved-identifier)
+
 namespace kestrel::fuzzing {
 
 namespace fs = std::filesystem;
 
-namespace {
-
-/// A folder in memory, for as long as the program runs.
-class Folder {
-  public:
-    Folder() {
-        const fs::path memory = "/dev/shm";
-        path_ = (fs::is_directory(memory) ? memory : fs::temp_directory_path()) /
-                ("kestrel-fuzz-" + std::to_string(getpid()));
-        fs::create_directories(path_);
-    }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-    ~Folder() {
-        std::error_code ignored;
-        fs::remove_all(path_, ignored);
-    }
-    [[nodiscard]] const fs::path& path() const { return path_; }
-
-  private:
-    fs::path path_;
-};
-
-}  // namespace
-
 const fs::path& preferencesFile() {
-    static const Folder folder;
-    static const fs::path path = folder.path() / "defaults.db";
+    const fs::path memory = "/dev/shm";
+    static const test::TemporaryFolder folder(fs::is_directory(memory) ? memory : fs::temp_directory_path());
+    static const fs::path path = folder / "defaults.db";
     return path;
 }
 
 void removePreferences() {
     for (const char* suffix : {"", "-wal", "-shm", "-journal"})
         unlink((preferencesFile().native() + suffix).c_str());
+}
+
+// In front of a block stands its size.
+void hurrySQLite() {
+    struct Block {
+        alignas(std::max_align_t) std::size_t size;
+
+        static Block* of(void* memory) { return static_cast<Block*>(memory) - 1; }
+        static void* made(void* block, int size) {
+            if (block == nullptr) return nullptr;
+            auto* made = static_cast<Block*>(block);
+            made->size = static_cast<std::size_t>(size);
+            return made + 1;
+        }
+        static std::size_t total(int size) { return sizeof(Block) + static_cast<std::size_t>(size); }
+    };
+    static constexpr sqlite3_mem_methods methods{
+        .xMalloc = [](int size) { return Block::made(__libc_malloc(Block::total(size)), size); },
+        .xFree = [](void* memory) { __libc_free(Block::of(memory)); },
+        .xRealloc = [](void* memory,
+                       int size) { return Block::made(__libc_realloc(Block::of(memory), Block::total(size)), size); },
+        .xSize = [](void* memory) { return memory == nullptr ? 0 : static_cast<int>(Block::of(memory)->size); },
+        .xRoundup = [](int size) { return (size + 7) & ~7; },
+        .xInit = [](void*) { return SQLITE_OK; },
+        .xShutdown = [](void*) {},
+        .pAppData = nullptr};
+    require(sqlite3_config(SQLITE_CONFIG_MALLOC, &methods) == SQLITE_OK, "SQLite has not begun");
 }
 
 std::string shown(const DefaultsValue& value) {

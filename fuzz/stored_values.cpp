@@ -15,13 +15,6 @@
 #include <utility>
 #include <variant>
 
-/// The C library's own allocator, without what the sanitizer puts in between.
-// NOLINTBEGIN(readability-identifier-naming,bugprone-reserved-identifier): the system's names.
-extern "C" void* __libc_malloc(std::size_t size);
-extern "C" void* __libc_realloc(void* memory, std::size_t size);
-extern "C" void __libc_free(void* memory);
-// NOLINTEND(readability-identifier-naming,bugprone-reserved-identifier)
-
 // The file of the preferences while another program changes it, rightly or wrongly: rows of any kind and value come and
 // go beside those that the store writes itself. One file stays open from input to input, so that runs are quick.
 namespace {
@@ -32,34 +25,6 @@ using fuzzing::Script;
 
 /// What a column of SQLite may hold.
 using Cell = std::variant<std::monostate, std::int64_t, double, std::string, Data>;
-
-/// Has SQLite take its memory where the sanitizer does not look: SQLite is not what is tested here, and watching over
-/// its memory takes most of the time. In front of a block stands its size.
-void hurrySQLite() {
-    struct Block {
-        alignas(std::max_align_t) std::size_t size;
-
-        static Block* of(void* memory) { return static_cast<Block*>(memory) - 1; }
-        static void* made(void* block, int size) {
-            if (block == nullptr) return nullptr;
-            auto* made = static_cast<Block*>(block);
-            made->size = static_cast<std::size_t>(size);
-            return made + 1;
-        }
-        static std::size_t total(int size) { return sizeof(Block) + static_cast<std::size_t>(size); }
-    };
-    static constexpr sqlite3_mem_methods methods{
-        .xMalloc = [](int size) { return Block::made(__libc_malloc(Block::total(size)), size); },
-        .xFree = [](void* memory) { __libc_free(Block::of(memory)); },
-        .xRealloc = [](void* memory,
-                       int size) { return Block::made(__libc_realloc(Block::of(memory), Block::total(size)), size); },
-        .xSize = [](void* memory) { return memory == nullptr ? 0 : static_cast<int>(Block::of(memory)->size); },
-        .xRoundup = [](int size) { return (size + 7) & ~7; },
-        .xInit = [](void*) { return SQLITE_OK; },
-        .xShutdown = [](void*) {},
-        .pAppData = nullptr};
-    require(sqlite3_config(SQLITE_CONFIG_MALLOC, &methods) == SQLITE_OK, "SQLite has not begun");
-}
 
 /// The other program.
 class Stranger {
@@ -207,7 +172,7 @@ class Scene {
 
   private:
     static std::shared_ptr<SQLiteUserDefaults> openStore() {
-        hurrySQLite();
+        fuzzing::hurrySQLite();
         fuzzing::removePreferences();
         auto store = SQLiteUserDefaults::open(fuzzing::preferencesFile());
         require(store.has_value() && (*store)->set("key", true).has_value(), "there is a file");

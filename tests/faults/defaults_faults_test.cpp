@@ -9,11 +9,11 @@
 #include <new>
 #include <optional>
 #include <string>
-#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
 
+#include "../temporary_folder.h"
 #include "sqlite_faults.h"
 #include "sweep.h"
 
@@ -26,26 +26,8 @@ using faults::FailingAllocation;
 using faults::FailingFile;
 using faults::FailingSQLiteMemory;
 using faults::FileOperation;
+using test::TemporaryFolder;
 namespace fs = std::filesystem;
-
-class Folder {
-  public:
-    Folder() {
-        std::string name = fs::temp_directory_path() / "kestrel-faults-XXXXXX";
-        if (mkdtemp(name.data()) == nullptr) throw std::system_error(errno, std::generic_category());
-        path_ = name;
-    }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-    ~Folder() {
-        std::error_code ignored;
-        fs::remove_all(path_, ignored);
-    }
-    [[nodiscard]] const fs::path& path() const { return path_; }
-
-  private:
-    fs::path path_;
-};
 
 using Content = std::map<std::string, DefaultsValue>;
 
@@ -92,7 +74,7 @@ void checkChanges(MakeFailing makeFailing) {
         std::size_t failures = 0;
         for (std::size_t which = 1;; ++which) {
             SCOPED_TRACE(which);
-            const Folder folder;
+            const TemporaryFolder folder;
             const fs::path file = folder.path() / "defaults.db";
             const auto store = SQLiteUserDefaults::open(file).value();
             ASSERT_TRUE(store->set("text", longText).has_value());
@@ -141,7 +123,7 @@ void checkChanges(MakeFailing makeFailing) {
 /// The same while a store is opened for the first time, and makes its file.
 template <class MakeFailing>
 void checkOpening(MakeFailing makeFailing, bool isThere) {
-    const Folder folder;
+    const TemporaryFolder folder;
     for (std::size_t which = 1;; ++which) {
         SCOPED_TRACE(which);
         const fs::path file = folder.path() / std::to_string(which) / "defaults.db";
@@ -185,7 +167,7 @@ TEST(Preferences, surviveEachFailureOfMemory) {
 }
 
 TEST(Preferences, leaveNothingBehindAtEachFailureOfMemory) {
-    const Folder folder;
+    const TemporaryFolder folder;
     const auto store = SQLiteUserDefaults::open(folder.path() / "defaults.db").value();
     ASSERT_TRUE(store->set("text", longText).has_value());
     const std::size_t failures = faults::failEach([&](std::size_t which) {

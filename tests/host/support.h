@@ -1,5 +1,7 @@
 #pragma once
 
+#include "../temporary_folder.h"
+
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fcntl.h>
 #include <host/terminal/file.h>
@@ -21,25 +23,7 @@
 namespace kestrel::host::test {
 
 using Path = std::filesystem::path;
-
-/// A new folder, removed with everything in it at the end of its scope.
-class TemporaryFolder {
-  public:
-    TemporaryFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "kestrel-test-XXXXXX").native();
-        if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
-        path_ = name;
-    }
-    ~TemporaryFolder() { std::filesystem::remove_all(path_); }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    [[nodiscard]] Path operator/(std::string_view name) const { return path_ / name; }
-    [[nodiscard]] const Path& path() const { return path_; }
-
-  private:
-    Path path_;
-};
+using kestrel::test::TemporaryFolder;
 
 inline void writeText(const Path& file, std::string_view text) {
     std::ofstream(file, std::ios::binary) << text;

@@ -18,7 +18,7 @@
 namespace kestrel {
 namespace {
 
-using test::ScratchFolder;
+using test::TemporaryFolder;
 namespace fs = std::filesystem;
 
 constexpr auto bundleName = "com.fenwick.KestrelService.bundle";
@@ -56,7 +56,7 @@ TEST_F(Bundle, MovesWithTheInstallation) {
     const bool isStatic = fs::equivalent(library.dli_fname, program);
 
     for (const std::string folder : {"lib", "lib/x86_64-linux-gnu"}) {
-        const ScratchFolder prefix;
+        const TemporaryFolder prefix;
         const auto moved = prefix.path() / folder;
         fs::create_directories(moved);
         fs::copy_file(library.dli_fname, moved / fs::path{library.dli_fname}.filename());
@@ -72,7 +72,7 @@ TEST_F(Bundle, MovesWithTheInstallation) {
 }
 
 TEST_F(Bundle, IsTakenFromTheHostsDirectoryBeforeAllOthers) {
-    const ScratchFolder scratch;
+    const TemporaryFolder scratch;
     const auto before = ResourceBundle::directory();
     const auto bundle = copyBundle(scratch.path());
     for (const auto& named : {bundle, scratch.path(), scratch.path() / ""}) {
@@ -91,7 +91,7 @@ TEST_F(Bundle, IsTakenFromTheHostsDirectoryBeforeAllOthers) {
 }
 
 TEST_F(Bundle, IsTakenFromTheEnvironmentsDirectory) {
-    const ScratchFolder scratch;
+    const TemporaryFolder scratch;
     const auto bundle = copyBundle(scratch.path() / "resources");
     const auto [status, output] =
         test::run("cd '" + scratch.path().native() + "' && KESTREL_RESOURCES=resources KESTREL_TEST_EXPECTED_BUNDLE='" +
@@ -102,7 +102,7 @@ TEST_F(Bundle, IsTakenFromTheEnvironmentsDirectory) {
 }
 
 TEST_F(Bundle, IsNotWhereTheMarkerNamesAnother) {
-    const ScratchFolder scratch;
+    const TemporaryFolder scratch;
     const auto before = ResourceBundle::directory();
     scratch.write("bundle.conf", "identifier=com.example.Other\nlanguages=de\n");
     ResourceBundle::setDirectory(scratch.path());
@@ -128,7 +128,7 @@ TEST_F(Bundle, IsLookedForInAllPlacesInOrder) {
 }
 
 TEST_F(Bundle, StopsTheProgramIfItLacksAListedLanguage) {
-    const ScratchFolder scratch;
+    const TemporaryFolder scratch;
     const auto bundle = copyBundle(scratch.path());
     fs::remove(bundle / "fr" / catalogueName);
     EXPECT_EXIT(
@@ -143,7 +143,7 @@ TEST_F(Bundle, StopsTheProgramIfItLacksAListedLanguage) {
 }
 
 TEST_F(Bundle, StopsTheProgramIfACatalogueIsDamaged) {
-    const ScratchFolder scratch;
+    const TemporaryFolder scratch;
     const auto bundle = copyBundle(scratch.path());
     for (const std::string_view content : {"", "this is no catalogue"}) {
         scratch.write(fs::path{bundleName} / "de" / catalogueName, content);

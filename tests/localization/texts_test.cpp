@@ -15,7 +15,7 @@
 namespace kestrel {
 namespace {
 
-using test::ScratchFolder;
+using test::TemporaryFolder;
 namespace fs = std::filesystem;
 
 const fs::path sources = KESTREL_SOURCE_DIR;
@@ -128,7 +128,7 @@ class UpdateTexts : public ::testing::Test {
         return whole.substr(whole.find("\n\n") + 2);
     }
 
-    ScratchFolder tree;
+    TemporaryFolder tree;
 };
 
 TEST_F(UpdateTexts, MakesCommentsOfTheSecondArgumentAndOneEntryOfEqualTexts) {

@@ -208,7 +208,7 @@ TEST_F(AGeocoder, mayBeDestroyedAndAskAgainInsideItsAnswer) {
 }
 
 TEST_F(AGeocoder, asksTheServerOfThePreferences) {
-    const test::ScratchFolder scratch;
+    const test::TemporaryFolder scratch;
     const test::Variable configured("XDG_CONFIG_HOME", scratch.path().native());
     const auto geocoder = platform::makeGeocoder();
     expectError(geocode(*geocoder), GeocodingErrorCode::locationUnknown, "GeocodingServer");

@@ -21,8 +21,8 @@ using platform::NotificationEvidence;
 using platform::NotificationVerdict;
 using test::BusMember;
 using test::Program;
-using test::ScratchFolder;
 using test::SessionBus;
+using test::TemporaryFolder;
 using ::testing::HasSubstr;
 using Clock = std::chrono::steady_clock;
 using enum NotificationSetting;
@@ -178,7 +178,7 @@ TEST_F(Notifications, areNotKnownWithoutABusOrAServer) {
     expectNothingKnown(ask(), "no notification server owns org.freedesktop.Notifications");
     // Found without the variable, too.
     const auto path = bus.address().substr(bus.address().find("path=") + 5);
-    const ScratchFolder runtime;
+    const TemporaryFolder runtime;
     std::filesystem::create_symlink(path.substr(0, path.find(',')), runtime.path() / "bus");
     const test::Variable unset("DBUS_SESSION_BUS_ADDRESS");
     const test::Variable folder("XDG_RUNTIME_DIR", runtime.path().native());
@@ -218,7 +218,7 @@ TEST_F(Notifications, areNotWaitedForLongerThanTwoSeconds) {
         expectNothingKnown(ask(), "the notification server does not answer");
     }
     // A bus that lets nobody in.
-    const ScratchFolder scratch;
+    const TemporaryFolder scratch;
     const auto path = (scratch.path() / "bus").native();
     const int listening = socket(AF_UNIX, SOCK_STREAM, 0);
     sockaddr_un address{};
@@ -327,7 +327,7 @@ class DesktopSettings : public Notifications {
         waiting.join();
     }
 
-    ScratchFolder scratch{};
+    TemporaryFolder scratch{};
     SessionBus bus{};
     BusMember server{bus, serverName};
 };

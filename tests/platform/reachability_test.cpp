@@ -10,12 +10,12 @@
 namespace kestrel {
 namespace {
 
-using test::ScratchFolder;
+using test::TemporaryFolder;
 
 constexpr std::string_view head = "Iface\tDestination\tGateway\tFlags\tRefCnt\tUse\tMetric\tMask\tMTU\tWindow\tIRTT\n";
 
 TEST(TheDefaultRoute, isTheOneWithTheSmallestMetric) {
-    const ScratchFolder scratch;
+    const TemporaryFolder scratch;
     const auto interface = [&](const std::string& ipv4, const std::string& ipv6) {
         scratch.write("route", std::string(head) + ipv4);
         scratch.write("ipv6_route", ipv6);
@@ -44,7 +44,7 @@ TEST(TheDefaultRoute, isTheOneWithTheSmallestMetric) {
 }
 
 TEST(AnInterface, isCellularByItsDriverOrItsName) {
-    const ScratchFolder scratch;
+    const TemporaryFolder scratch;
     scratch.write("usb0/uevent", "DEVTYPE=wwan\nINTERFACE=usb0\n");
     scratch.write("wwx0/uevent", "INTERFACE=wwx0\nDEVTYPE=wlan\n");
     scratch.write("eth0/uevent", "INTERFACE=eth0\n");

@@ -44,7 +44,7 @@ class SessionBus {
     void end() { daemon_->end(SIGKILL); }
 
   private:
-    ScratchFolder scratch_{};
+    TemporaryFolder scratch_{};
     std::optional<Program> daemon_{};
     std::string address_{};
     std::optional<Variable> variable_{};

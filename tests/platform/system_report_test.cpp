@@ -14,7 +14,7 @@
 namespace kestrel {
 namespace {
 
-using test::ScratchFolder;
+using test::TemporaryFolder;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
@@ -69,7 +69,7 @@ class ASystemReport : public ::testing::Test {
         return rows;
     }
 
-    ScratchFolder scratch{};
+    TemporaryFolder scratch{};
 };
 
 TEST_F(ASystemReport, saysWhatIsMissingAndWhatToDoAboutIt) {

@@ -27,7 +27,7 @@ namespace kestrel {
 namespace {
 
 using test::Program;
-using test::ScratchFolder;
+using test::TemporaryFolder;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
@@ -101,7 +101,7 @@ class UserDefaults : public ::testing::Test {
             .sink([&count](const Notification&) { ++count; });
     }
 
-    ScratchFolder scratch{};
+    TemporaryFolder scratch{};
     fs::path file = scratch.path() / "new folder/within/defaults.sqlite";
 };
 
@@ -515,7 +515,7 @@ TEST_F(UserDefaults, mayBeUsedFromManyThreads) {
 }
 
 TEST(TheStandardUserDefaults, lieInTheFolderOfTheApplication) {
-    const ScratchFolder scratch;
+    const TemporaryFolder scratch;
     const test::Variable home("HOME", scratch.path().native());
     platform::setApplicationIdentity({.identifier = "com.example.Crm", .name = "Example"});
     {

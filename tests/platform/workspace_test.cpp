@@ -12,7 +12,7 @@
 namespace kestrel {
 namespace {
 
-using test::ScratchFolder;
+using test::TemporaryFolder;
 namespace fs = std::filesystem;
 
 // Parts of their own, for GIO reads where applications are once in a process.
@@ -106,7 +106,7 @@ text/plain=first.desktop;
         return text;
     }
 
-    ScratchFolder scratch{};
+    TemporaryFolder scratch{};
     fs::path log = scratch.path() / "log";
 };
 
