@@ -1,6 +1,7 @@
 #include <kestrel/access/permissions.h>
 #include <kestrel/coding/wire_form.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstddef>
 #include <span>
@@ -32,21 +33,42 @@ std::uint64_t bitsOf(Teams saved) noexcept {
     return bits;
 }
 
-/// The first of a few saved teams that is among many. Those that the bits leave are looked for by halving, without
-/// jumps that depend on keys, so that the searches, which need nothing of each other, overlap.
+/// Whether no two keys of both sets have one bit, but for equal ones.
+bool haveBitsOfTheirOwn(Teams a, Teams b) noexcept {
+    const std::int64_t least = std::min(*a.front().value(), *b.front().value());
+    const std::int64_t greatest = std::max(*a.back().value(), *b.back().value());
+    return static_cast<std::uint64_t>(greatest) - static_cast<std::uint64_t>(least) < 64;
+}
+
+/// Whether a set has a key, found by halving, without jumps that depend on keys.
+bool hasKey(Teams saved, std::int64_t key) noexcept {
+    std::size_t at = 0;
+    for (std::size_t left = saved.size(); left > 1;) {
+        const std::size_t half = left / 2;
+        at += half & (std::size_t{0} - static_cast<std::size_t>(*saved[at + half].value() <= key));
+        left -= half;
+    }
+    return *saved[at].value() == key;
+}
+
+/// The first of a few saved teams that is among many. Those that the bits leave are looked for, in searches that need
+/// nothing of each other, and so overlap.
 const ObjectID<Team>* firstSharedOfSaved(Teams few, Teams many) noexcept {
-    const std::uint64_t bits = bitsOf(many);
-    if ((bitsOf(few) & bits) == 0) return nullptr;
-    for (const ObjectID<Team>& team : few) {
-        if ((bitOf(team) & bits) == 0) continue;
-        const std::int64_t key = *team.value();
-        std::size_t at = 0;
-        for (std::size_t left = many.size(); left > 1;) {
-            const std::size_t half = left / 2;
-            at += half & (std::size_t{0} - static_cast<std::size_t>(*many[at + half].value() <= key));
-            left -= half;
+    constexpr std::size_t fewComparisons = 8;
+    if (few.size() * many.size() <= fewComparisons) {
+        for (const ObjectID<Team>& team : few) {
+            bool isShared = false;
+            for (const ObjectID<Team>& other : many)
+                isShared |= *other.value() == *team.value();
+            if (isShared) return &team;
         }
-        if (*many[at].value() == key) return &team;
+        return nullptr;
+    }
+    const std::uint64_t bits = bitsOf(many);
+    const bool isExact = haveBitsOfTheirOwn(few, many);
+    if (!isExact && (bitsOf(few) & bits) == 0) return nullptr;
+    for (const ObjectID<Team>& team : few) {
+        if ((bitOf(team) & bits) != 0 && (isExact || hasKey(many, *team.value()))) return &team;
     }
     return nullptr;
 }
