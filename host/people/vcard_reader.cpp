@@ -555,9 +555,10 @@ class CardBuilder {
                           [](const Property* property) { return std::pair(property->preference(), property); });
         for (const Property* property : ordered_) {
             std::string value = property->text();
-            const bool hasScheme = (property->name == "TEL" && startsWithWord(value, "tel:")) ||
-                                   (property->name == "EMAIL" && startsWithWord(value, "mailto:"));
-            if (hasScheme) value = withoutScheme(value);
+            const std::string_view scheme = property->name == "TEL"     ? "tel:"
+                                            : property->name == "EMAIL" ? "mailto:"
+                                                                        : "";
+            if (!scheme.empty() && startsWithWord(value, scheme)) value = withoutScheme(value);
             if (value.empty()) continue;
             const std::string label = labelOf(*property);
             if (property->name == "TEL") {
