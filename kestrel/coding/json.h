@@ -23,6 +23,9 @@ template <class T>
 [[nodiscard]] std::expected<void, EncodingError> encodeJSON(const T& value, std::string& out,
                                                             const CodingOptions& options = {}) {
     JSONWriter writer(out, options);
+    // The form of a record takes about as much as the record.
+    constexpr std::size_t large = 512;
+    if constexpr (sizeof(T) > large) writer.expect(sizeof(T));
     if (!encodeValue(writer, value)) return std::unexpected(writer.takeError());
     writer.finish();
     return {};

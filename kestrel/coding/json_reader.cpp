@@ -3,6 +3,8 @@
 #include <kestrel/coding/utf8.h>
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -58,17 +60,22 @@ void appendUTF8(std::string& text, std::uint32_t code) {
     }
 }
 
-/// Eight digits at once: true when all eight bytes are digits, with their value.
-bool eightDigits(const char* at, std::uint64_t& value) {
+/// The digits at the front of eight characters: how many there are, and their value unless there are none. Has no jump
+/// that depends on their number, for that is hardly ever predicted.
+unsigned leadingDigits(const char* at, std::uint64_t& value) {
     std::uint64_t word = 0;
     std::memcpy(&word, at, sizeof word);
     const std::uint64_t offset = word ^ 0x3030303030303030U;
-    if (((offset | (offset + 0x0606060606060606U)) & 0xf0f0f0f0f0f0f0f0U) != 0) return false;
-    const std::uint64_t pairs = (offset * 10) + (offset >> 8U);
+    // Up to the first one exact: what others carry goes to those behind them.
+    const std::uint64_t others = ((offset + 0x7676767676767676U) | offset) & 0x8080808080808080U;
+    const auto count = static_cast<unsigned>(std::countr_zero(others)) / 8;
+    // Moved to the end, so that zeros stand in front of them.
+    const std::uint64_t digits = offset << ((64 - 8 * count) & 63U);
+    const std::uint64_t pairs = (digits * 10) + (digits >> 8U);
     value = (((pairs & 0x000000ff000000ffU) * 0x000f424000000064U) +
              (((pairs >> 16U) & 0x000000ff000000ffU) * 0x0000271000000001U)) >>
             32U;
-    return true;
+    return count;
 }
 
 /// A number's text, taken apart. The text is a number by JSON's grammar.
@@ -434,6 +441,7 @@ bool JSONReader::read(std::int64_t& value) {
     const char* const digits = at;
     const char* const limit = end_ - digits > 19 ? digits + 19 : end_;
     std::uint64_t magnitude = 0;
+    if (end_ - digits >= 8) at += leadingDigits(at, magnitude);
     while (at != limit && isDigit(*at)) {
         magnitude = magnitude * 10 + static_cast<std::uint64_t>(*at - '0');
         ++at;
@@ -467,10 +475,14 @@ bool JSONReader::read(double& value) {
     std::uint64_t digits = 0;
     const char* const integerStart = at;
     const auto take = [&] {
-        std::uint64_t eight = 0;
-        if (end_ - at >= 8 && eightDigits(at, eight)) {
-            digits = digits * 100'000'000 + eight;
-            at += 8;
+        static constexpr std::array<std::uint64_t, 9> powers{1,       10,        100,        1'000,      10'000,
+                                                             100'000, 1'000'000, 10'000'000, 100'000'000};
+        std::uint64_t leading = 0;
+        if (end_ - at >= 8) {
+            if (const unsigned count = leadingDigits(at, leading); count != 0) {
+                digits = digits * powers[count] + leading;
+                at += count;
+            }
         }
         while (at != end_ && isDigit(*at) && digits < (std::uint64_t{1} << 53U)) {
             digits = digits * 10 + static_cast<std::uint64_t>(*at - '0');

@@ -41,59 +41,62 @@ void JSONWriter::key(std::string_view plainKey) {
 }
 
 bool JSONWriter::write(std::string_view value) {
-    return writeText(value, [&] { return TextBlock::load(value.data(), value.size()); });
+    return writeText<false>(value);
 }
 
 bool JSONWriter::write(const std::string& value) {
 #if defined(__GLIBCXX__) && !defined(__SANITIZE_ADDRESS__)
     // A string of this library has room for a block wherever it keeps its characters, so that a short one is read
-    // together with what stands behind it: jumps that depend on short lengths are hardly ever predicted.
+    // together with what stands behind it.
     static_assert(sizeof(std::string) >= 2 * TextBlock::size);
-    return writeText(value, [&] { return TextBlock::load(value.data()); });
+    return writeText<true>(value);
 #else
-    return write(std::string_view(value));
+    return writeText<false>(value);
 #endif
 }
 
-template <class LoadShort>
-[[gnu::always_inline]] inline bool JSONWriter::writeText(std::string_view value, LoadShort loadShort) {
-    constexpr std::ptrdiff_t blockSize = TextBlock::size;
-    reserve(value.size() + textSlack);
+template <bool hasRoomForBlock>
+[[gnu::always_inline]] inline bool JSONWriter::writeText(std::string_view value) {
+    constexpr std::size_t blockSize = TextBlock::size;
+    const std::size_t size = value.size();
+    reserve(size + textSlack);
     *cursor_++ = '"';
-    const char* at = value.data();
-    const char* const end = at + value.size();
-    unsigned high = 0;
-    bool isPlain = false;
-    if (end - at < blockSize) {
-        const TextBlock block = loadShort();
-        block.store(cursor_);
-        const unsigned counted = (1U << value.size()) - 1;
-        high = block.highs() & counted;
-        isPlain = (block.specials() & counted) == 0;
+    unsigned specials = 0;
+    unsigned highs = 0;
+    const auto take = [&](const TextBlock& block, std::size_t at) {
+        block.store(cursor_ + at);
+        specials |= block.specials();
+        highs |= block.highs();
+    };
+    const auto takeAt = [&](std::size_t at) { take(TextBlock::load(value.data() + at), at); };
+    // The last block lies over the one before. Jumps that depend on lengths are hardly ever predicted, and cost more
+    // than a block that is taken twice.
+    const std::size_t last = std::max(size, blockSize) - blockSize;
+    if (!hasRoomForBlock && size < blockSize) {
+        take(TextBlock::load(value.data(), size), 0);
+    } else if (size <= 2 * blockSize) {
+        takeAt(0);
+        takeAt(last);
+    } else if (size <= 4 * blockSize) {
+        takeAt(0);
+        takeAt(blockSize);
+        takeAt(std::min(2 * blockSize, last));
+        takeAt(last);
     } else {
-        while (end - at >= blockSize) {
-            const auto block = TextBlock::load(at);
-            if (block.specials() != 0) break;
-            block.store(cursor_);
-            high |= block.highs();
-            at += blockSize;
-            cursor_ += blockSize;
-        }
-        if (const std::ptrdiff_t left = end - at; left < blockSize) {
-            // Together with bytes of the block before.
-            const auto block = TextBlock::load(end - blockSize);
-            block.store(cursor_ - (blockSize - left));
-            high |= block.highs();
-            isPlain = block.specials() >> (blockSize - left) == 0;
-        }
+        for (std::size_t at = 0; at < last && specials == 0; at += blockSize)
+            takeAt(at);
+        takeAt(last);
     }
-    if (isPlain) [[likely]]
-        cursor_ += end - at;
+    // What stands behind a short text does not count.
+    const unsigned counted = (1U << std::min(size, blockSize)) - 1;
+    highs &= counted;
+    if ((specials & counted) == 0) [[likely]]
+        cursor_ += size;
     else
-        high |= writeEscaped({at, end});
+        highs |= writeEscaped(value);
     *cursor_++ = '"';
-    if (high != 0) {
-        if (const std::size_t valid = validUTF8Prefix(value); valid != value.size()) {
+    if (highs != 0) {
+        if (const std::size_t valid = validUTF8Prefix(value); valid != size) {
             return fail(fmt::format("The text is not valid UTF-8 from byte {} on.", valid));
         }
     }

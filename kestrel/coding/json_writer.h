@@ -102,10 +102,10 @@ class JSONWriter {
     [[gnu::always_inline]] void reserve(std::size_t count) {
         if (static_cast<std::size_t>(limit_ - cursor_) < count) grow(count);
     }
-    /// With its quotes. `loadShort()` is the block of a text that is shorter than one.
-    template <class LoadShort>
-    bool writeText(std::string_view value, LoadShort loadShort);
-    /// A text, or the rest of one, that has characters to escape; other than 0 when it has bytes above 0x7f.
+    /// With its quotes. A text that has room for a block may be read beyond its end, up to the block's.
+    template <bool hasRoomForBlock>
+    bool writeText(std::string_view value);
+    /// A text that has characters to escape; other than 0 when it has bytes above 0x7f.
     unsigned writeEscaped(std::string_view value);
     void writeEscape(char c);
     void grow(std::size_t count);

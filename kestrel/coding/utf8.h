@@ -61,6 +61,16 @@ class TextBlock {
     }
     /// A bit for each byte above 0x7f.
     [[nodiscard]] unsigned highs() const noexcept { return static_cast<unsigned>(_mm_movemask_epi8(bytes_)); }
+    /// How many bytes the whole characters take, when all are of one or two bytes: 16, or 15 when the last byte is the
+    /// first one of two. 0 when there are others, or what is no UTF-8.
+    [[nodiscard]] unsigned shortCharacters() const noexcept {
+        const auto mask = [](__m128i found) { return static_cast<unsigned>(_mm_movemask_epi8(found)); };
+        const unsigned leads = mask(_mm_and_si128(_mm_cmpgt_epi8(bytes_, _mm_set1_epi8(static_cast<char>(0xc1))),
+                                                  _mm_cmplt_epi8(bytes_, _mm_set1_epi8(static_cast<char>(0xe0)))));
+        const unsigned continuations = mask(_mm_cmplt_epi8(bytes_, _mm_set1_epi8(static_cast<char>(0xc0))));
+        const bool areShort = highs() == (leads | continuations) && continuations == (leads << 1U & 0xffffU);
+        return areShort ? 16 - (leads >> 15U) : 0;
+    }
 #else
     [[nodiscard]] unsigned specials() const noexcept {
         return mask([](std::uint64_t word) {
@@ -72,6 +82,7 @@ class TextBlock {
     [[nodiscard]] unsigned highs() const noexcept {
         return mask([](std::uint64_t word) { return word; });
     }
+    [[nodiscard]] unsigned shortCharacters() const noexcept { return highs() == 0 ? 16 : 0; }
 #endif
 
   private:

@@ -120,4 +120,26 @@ TEST(TheReader, survivesDamagedRecords) {
     }
 }
 
+/// Every byte changed to each that begins, continues or ends something else.
+TEST(TextsOfAllKinds, areUTF8WhereTheyAreElsewhere) {
+    const std::string accents =
+        "Z\u00fcrich, \u00e9t\u00e9, \u00f1and\u00fa \u00fc\u00f6\u00e4 \u00df\u00e9\u00e8\u00ea\u00eb\u0416";
+    for (const std::string& text :
+         {accents, "a" + accents, accents + accents, std::string("ab\u65e5\u672c\u00fc\U0001f600 plain to the end"),
+          std::string(33, 'x') + "\u00fc"}) {
+        for (std::size_t at = 0; at < text.size(); ++at) {
+            for (const int byte :
+                 {0x20, 0x61, 0x7f, 0x80, 0x9f, 0xbf, 0xc0, 0xc1, 0xc2, 0xdf, 0xe0, 0xed, 0xf0, 0xf4, 0xff}) {
+                std::string changed = text;
+                changed[at] = static_cast<char>(byte);
+                const bool isValid = simdjson::validate_utf8(changed);
+                ASSERT_EQ(encodeJSON(changed).has_value(), isValid) << at << " " << byte;
+                ASSERT_EQ(decodeJSON<std::string>('"' + changed + '"').has_value(), isValid) << at << " " << byte;
+                const std::string cut = text.substr(0, at);
+                ASSERT_EQ(encodeJSON(cut).has_value(), simdjson::validate_utf8(cut)) << at;
+            }
+        }
+    }
+}
+
 }  // namespace
