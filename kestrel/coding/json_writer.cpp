@@ -58,6 +58,7 @@ bool JSONWriter::write(const std::string& value) {
 template <bool hasRoomForBlock>
 [[gnu::always_inline]] inline bool JSONWriter::writeText(std::string_view value) {
     constexpr std::size_t blockSize = TextBlock::size;
+    const char* const from = value.data();
     const std::size_t size = value.size();
     reserve(size + textSlack);
     *cursor_++ = '"';
@@ -68,12 +69,12 @@ template <bool hasRoomForBlock>
         specials |= block.specials();
         highs |= block.highs();
     };
-    const auto takeAt = [&](std::size_t at) { take(TextBlock::load(value.data() + at), at); };
+    const auto takeAt = [&](std::size_t at) { take(TextBlock::load(from + at), at); };
     // The last block lies over the one before. Jumps that depend on lengths are hardly ever predicted, and cost more
     // than a block that is taken twice.
     const std::size_t last = std::max(size, blockSize) - blockSize;
     if (!hasRoomForBlock && size < blockSize) {
-        take(TextBlock::load(value.data(), size), 0);
+        take(TextBlock::load(from, size), 0);
     } else if (size <= 2 * blockSize) {
         takeAt(0);
         takeAt(last);
