@@ -148,7 +148,7 @@ void registerAll() {
                 benchmark::DoNotOptimize(peers::encodeOneByRapidJSON(value));
         });
     });
-    // As many as the caches hold together with what is written: all of them wait for memory most of the time.
+    // As many as the caches hold together with what is written, and as the processor learns: which members are absent.
     const auto encodeFew = [&s](benchmark::State& state, auto encode) {
         constexpr std::ptrdiff_t few = 50;
         const std::vector<Contact> values(s.values.begin(), s.values.begin() + few);

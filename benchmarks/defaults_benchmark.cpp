@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "../tests/temporary_folder.h"
+#include <tests/temporary_folder.h>
 #include "ratio_reporter.h"
 
 namespace {

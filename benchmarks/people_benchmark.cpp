@@ -16,7 +16,6 @@
 #include <chrono>
 #include <cstdio>
 #include <exception>
-#include <filesystem>
 #include <random>
 #include <stdexcept>
 #include <string>

@@ -110,6 +110,7 @@ class Player {
         store_ = SQLiteUserDefaults::openAnyway(file());
         content_.clear();
         isDamaged_ = true;
+        check(fuzzing::contentOf(*store_));
     }
     void write(const std::string& key, const std::optional<DefaultsValue>& value) {
         const auto written = value ? store_->set(key, *value) : store_->removeObject(key);

@@ -67,6 +67,11 @@ void readCards(std::string_view bytes) {
                 requireText(detail.label);
             }
         }
+        for (const ContactCard::Profile& profile : card.profiles) {
+            require(!profile.address.empty(), "no profile is empty");
+            for (const std::string* text : {&profile.address, &profile.service, &profile.label})
+                requireText(*text);
+        }
         for (const ContactCard::PostalAddress& address : card.addresses) {
             for (const auto* text : {&address.street, &address.city, &address.state, &address.postalCode,
                                      &address.country, &address.countryCode, &address.label})

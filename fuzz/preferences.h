@@ -17,7 +17,8 @@ const std::filesystem::path& preferencesFile();
 void removePreferences();
 
 /// Has SQLite take its memory where the sanitizer does not look: SQLite is not what is tested here, and watching over
-/// its memory takes most of the time. Before the first file is opened.
+/// its memory takes most of the time. What the store reads of it is watched over by the tests of the store. Before the
+/// first file is opened.
 void hurrySQLite();
 
 /// A value as a text that is equal when the value is, bit for bit.

@@ -558,7 +558,8 @@ class CardBuilder {
             const std::string_view scheme = property->name == "TEL"     ? "tel:"
                                             : property->name == "EMAIL" ? "mailto:"
                                                                         : "";
-            if (!scheme.empty() && startsWithWord(value, scheme)) value = withoutScheme(value);
+            if (!scheme.empty() && startsWithWord(value, scheme))
+                value = std::string(trimmed(std::string_view(value).substr(scheme.size())));
             if (value.empty()) continue;
             const std::string label = labelOf(*property);
             if (property->name == "TEL") {
@@ -604,6 +605,7 @@ class CardBuilder {
             if (word.empty()) word = scheme;
             if (networkOf(scheme) != nullptr || isSameWord(scheme, "x-apple")) value = value.substr(colon + 1);
         }
+        if (value.empty()) return;
         const Network* const network = networkOf(word);
         profile.service = network != nullptr ? std::string(network->name)
                           : word.empty()     ? word

@@ -33,7 +33,7 @@ std::uint64_t bitsOf(Teams saved) noexcept {
     return bits;
 }
 
-/// Whether no two keys of both sets have one bit, but for equal ones.
+/// Whether all keys lie so close to each other that different ones have different bits.
 bool haveBitsOfTheirOwn(Teams a, Teams b) noexcept {
     const std::int64_t least = std::min(*a.front().value(), *b.front().value());
     const std::int64_t greatest = std::max(*a.back().value(), *b.back().value());
@@ -51,8 +51,8 @@ bool hasKey(Teams saved, std::int64_t key) noexcept {
     return *saved[at].value() == key;
 }
 
-/// The first of a few saved teams that is among many. Those that the bits leave are looked for, in searches that need
-/// nothing of each other, and so overlap.
+/// The first of a few saved teams that is among many: by comparing all, where they are few, or by their bits. What bits
+/// that are shared by keys leave open is looked for, in searches that need nothing of each other, and so overlap.
 const ObjectID<Team>* firstSharedOfSaved(Teams few, Teams many) noexcept {
     constexpr std::size_t fewComparisons = 8;
     if (few.size() * many.size() <= fewComparisons) {

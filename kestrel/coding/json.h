@@ -3,6 +3,7 @@
 #include <kestrel/coding/codec.h>
 #include <kestrel/coding/coding_error.h>
 #include <kestrel/coding/coding_options.h>
+#include <cstddef>
 #include <expected>
 #include <string>
 #include <string_view>
@@ -36,6 +37,8 @@ template <class T>
 [[nodiscard]] std::expected<std::string, EncodingError> encodeJSON(const T& value, const CodingOptions& options = {}) {
     std::string text;
     if (auto written = encodeJSON(value, text, options); !written) return std::unexpected(std::move(written.error()));
+    // Not to be kept with the room for a record that says much.
+    if (text.size() < text.capacity() / 2) text.shrink_to_fit();
     return text;
 }
 

@@ -62,7 +62,7 @@ class TextBlock {
     /// A bit for each byte above 0x7f.
     [[nodiscard]] unsigned highs() const noexcept { return static_cast<unsigned>(_mm_movemask_epi8(bytes_)); }
     /// How many bytes the whole characters take, when all are of one or two bytes: 16, or 15 when the last byte is the
-    /// first one of two. 0 when there are others, or what is no UTF-8.
+    /// first one of two. 0 when there are others, or what is no UTF-8, and where that is not looked at.
     [[nodiscard]] unsigned shortCharacters() const noexcept {
         const auto mask = [](__m128i found) { return static_cast<unsigned>(_mm_movemask_epi8(found)); };
         const unsigned leads = mask(_mm_and_si128(_mm_cmpgt_epi8(bytes_, _mm_set1_epi8(static_cast<char>(0xc1))),

@@ -2,6 +2,9 @@
 #include <kestrel/access/permission_checker.h>
 #include <kestrel/records/company.h>
 
+#include <algorithm>
+#include <limits>
+#include <optional>
 #include <random>
 #include <set>
 
@@ -41,6 +44,41 @@ TEST(PermissionSets, shareATeamOrAreEmpty) {
         EXPECT_EQ(set.isAuthorized(TeamIDs(b.begin(), b.end())), a.empty() || shared);
         EXPECT_EQ(set.isAuthorized(4), a.empty() || a.contains(4));
     }
+}
+
+/// Few teams and many, close to each other and far apart, saved and not.
+TEST(TeamSets, shareTheFirstTeamThatIsInBoth) {
+    std::mt19937_64 engine(5);
+    constexpr std::int64_t least = std::numeric_limits<std::int64_t>::min();
+    constexpr std::int64_t greatest = std::numeric_limits<std::int64_t>::max();
+    const ObjectID<Team> unsaved;
+    std::size_t overlaps = 0;
+    constexpr int rounds = 20'000;
+    for (int i = 0; i < rounds; ++i) {
+        static constexpr std::int64_t firsts[] = {0, -30, least, greatest - 200};
+        static constexpr std::int64_t spans[] = {9, 63, 64, 65, 200};
+        static constexpr std::size_t sizes[] = {1, 2, 4, 9, 18, 34};
+        const std::int64_t first = firsts[engine() % 4];
+        const std::int64_t span = spans[engine() % 5];
+        const auto draw = [&] {
+            TeamIDs teams;
+            for (auto n = sizes[engine() % 6]; n > 0; --n)
+                teams.insert(first + static_cast<std::int64_t>(engine() % static_cast<std::uint64_t>(span + 1)));
+            if (engine() % 8 == 0) teams.insert(unsaved);
+            return teams;
+        };
+        const TeamIDs a = draw();
+        const TeamIDs b = draw();
+        std::optional<ObjectID<Team>> shared;
+        for (const auto& team : a) {
+            if (!shared && std::ranges::find(b, team) != b.end()) shared = team;
+        }
+        overlaps += shared ? 1U : 0U;
+        ASSERT_EQ(firstSharedTeam(a, b), shared) << first << " " << span;
+        ASSERT_EQ(firstSharedTeam(b, a), shared) << first << " " << span;
+    }
+    EXPECT_GT(overlaps, rounds / 4U);
+    EXPECT_LT(overlaps, rounds - rounds / 8U);
 }
 
 TEST(PermissionSets, readAndWriteThePipeForm) {

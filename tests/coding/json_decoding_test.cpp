@@ -63,6 +63,33 @@ TEST(Integers, areExactAndOnlyIntegers) {
         EXPECT_NE(verdict<bool>(text), "value") << text;
 }
 
+/// However many digits there are, whatever ends them, and wherever the document ends.
+TEST(Digits, areReadTogether) {
+    const std::string all = "1234567890123456789";
+    for (std::size_t count = 1; count <= all.size(); ++count) {
+        const std::string digits = all.substr(0, count);
+        const std::int64_t integer = std::stoll(digits);
+        for (std::size_t room = 0; room < 12; ++room) {
+            const std::string behind(room, ' ');
+            for (const char* sign : {"", "-"}) {
+                const std::int64_t value = *sign == '-' ? -integer : integer;
+                EXPECT_EQ(decodeJSON<std::int64_t>(sign + digits + behind), value);
+                EXPECT_EQ(decodeJSON<std::vector<std::int64_t>>("[" + (sign + digits) + "," + behind + "0]"),
+                          (std::vector<std::int64_t>{value, 0}));
+                for (const char* rest : {"", ".5", ".25000001", ".0", "e2", "E-3"}) {
+                    const std::string number = sign + digits + rest;
+                    EXPECT_EQ(decodeJSON<double>(number + behind), std::strtod(number.c_str(), nullptr)) << number;
+                }
+            }
+            for (const std::string& bad :
+                 {"0" + digits, digits + ".", digits + "e", digits + "a", digits + "-", "+" + digits}) {
+                EXPECT_EQ(verdict<std::int64_t>(bad + behind), "dataCorrupted") << bad;
+                EXPECT_EQ(verdict<double>(bad + behind), "dataCorrupted") << bad;
+            }
+        }
+    }
+}
+
 TEST(Doubles, areTheNearestOnes) {
     for (const char* text :
          {"0.1", "-0.0", "1e22", "1e23", "9007199254740993", "123456789012345678", "2.2250738585072011e-308",
@@ -84,8 +111,11 @@ TEST(Strings, areUnescapedUTF8) {
     EXPECT_EQ(decodeJSON<std::string>(R"("a\"\\\/\b\f\n\r\t\u0041\u00e9\u20ac\ud83d\ude00\u0000z")"),
               std::string("a\"\\/\b\f\n\r\tA\xc3\xa9\xe2\x82\xac\xf0\x9f\x98\x80\0z", 21));
     // Specials at every place of a block of sixteen, and in the tail behind it.
-    for (std::size_t length = 0; length < 40; ++length) {
-        const std::string plain(length, 'x');
+    for (std::size_t length = 0; length < 80; ++length) {
+        // Of letters, and of those with accents.
+        std::string plain(length / 2, 'x');
+        for (std::size_t i = 0; length % 2 != 0 && i < plain.size(); i += 2)
+            plain.replace(i, 1, "\xc3\xa9");
         EXPECT_EQ(decodeJSON<std::string>('"' + plain + '"'), plain);
         EXPECT_EQ(decodeJSON<std::string>('"' + plain + "\\n" + plain + '"'), plain + "\n" + plain);
         EXPECT_EQ(decodeJSON<std::string>('"' + plain + "\xc3\xa9" + plain + '"'), plain + "\xc3\xa9" + plain);
@@ -94,7 +124,7 @@ TEST(Strings, areUnescapedUTF8) {
             const auto decoded = decodeJSON<std::string>('"' + plain + bad + plain + '"');
             ASSERT_FALSE(decoded) << length << bad;
             EXPECT_EQ(decoded.error().kind, dataCorrupted);
-            EXPECT_EQ(decoded.error().position.offset, length + 1) << decoded.error().message();
+            EXPECT_EQ(decoded.error().position.offset, plain.size() + 1) << decoded.error().message();
         }
         EXPECT_EQ(verdict<std::string>('"' + plain), "dataCorrupted");
         EXPECT_EQ(verdict<std::string>('"' + plain + "\\"), "dataCorrupted");

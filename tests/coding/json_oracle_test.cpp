@@ -135,9 +135,9 @@ TEST(TextsOfAllKinds, areUTF8WhereTheyAreElsewhere) {
                 const bool isValid = simdjson::validate_utf8(changed);
                 ASSERT_EQ(encodeJSON(changed).has_value(), isValid) << at << " " << byte;
                 ASSERT_EQ(decodeJSON<std::string>('"' + changed + '"').has_value(), isValid) << at << " " << byte;
-                const std::string cut = text.substr(0, at);
-                ASSERT_EQ(encodeJSON(cut).has_value(), simdjson::validate_utf8(cut)) << at;
             }
+            const std::string cut = text.substr(0, at);
+            ASSERT_EQ(encodeJSON(cut).has_value(), simdjson::validate_utf8(cut)) << at;
         }
     }
 }

@@ -2,7 +2,6 @@
 #include <kestrel/platform/linux/sqlite_user_defaults.h>
 #include <sqlite3.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <memory>

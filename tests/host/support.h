@@ -6,7 +6,6 @@
 #include <fcntl.h>
 #include <host/terminal/file.h>
 #include <spawn.h>
-#include <stdlib.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <filesystem>

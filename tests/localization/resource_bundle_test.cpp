@@ -1,4 +1,4 @@
-#include "scratch.h"
+#include "commands.h"
 
 #include <kestrel/localization/bundle_location.h>
 #include <kestrel/localization/localized.h>

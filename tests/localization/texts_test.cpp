@@ -1,4 +1,4 @@
-#include "scratch.h"
+#include "commands.h"
 
 #include <kestrel/localization/resource_bundle.h>
 

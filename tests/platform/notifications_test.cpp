@@ -9,6 +9,7 @@
 
 #include <iostream>
 #include <memory>
+#include <stdexcept>
 #include <thread>
 
 #include <sys/socket.h>

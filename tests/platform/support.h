@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../localization/scratch.h"
+#include "../localization/commands.h"
 
 #include <kestrel/platform/system.h>
 
@@ -11,6 +11,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>

@@ -18,6 +18,7 @@
 #include <memory>
 #include <random>
 #include <sstream>
+#include <stdexcept>
 #include <thread>
 
 #include <sys/resource.h>
