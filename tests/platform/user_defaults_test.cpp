@@ -425,6 +425,13 @@ TEST_F(UserDefaults, leaveAFileAloneThatIsNoDatabase) {
     const auto newer = platform::openUserDefaults(file);
     ASSERT_FALSE(newer);
     EXPECT_THAT(newer.error().localizedDescription, HasSubstr("newer release"));
+
+    const auto foreign = scratch.path() / "foreign.sqlite";
+    SQLite::Database(foreign.native(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE)
+        .exec("PRAGMA encoding='UTF-16le'; CREATE TABLE defaults (key TEXT PRIMARY KEY, kind TEXT, value)");
+    const auto recoded = platform::openUserDefaults(foreign);
+    ASSERT_FALSE(recoded) << "bytes that are no text would come back as others";
+    EXPECT_THAT(recoded.error().localizedDescription, HasSubstr("UTF-16le"));
 }
 
 TEST_F(UserDefaults, sayWhyTheyCannotBeWritten) {

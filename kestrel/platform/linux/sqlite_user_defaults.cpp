@@ -419,6 +419,12 @@ SQLiteUserDefaults::Table SQLiteUserDefaults::load(Connection& connection) {
         throw Failure{.domain = "SQLite", .code = SQLITE_FORMAT, .reason = "a newer release has written the file"};
     }
     if (!connection.isWhole) {
+        // In another encoding, bytes that are no text would come back as others.
+        const auto encoding = database.execAndGet("PRAGMA encoding").getString();
+        if (encoding != "UTF-8") {
+            throw Failure{
+                .domain = "SQLite", .code = SQLITE_FORMAT, .reason = "its texts are " + encoding + ", not UTF-8"};
+        }
         // In a damaged file a write may succeed and not be there when the file is opened again.
         const auto verdict = database.execAndGet("PRAGMA integrity_check(1)").getString();
         if (verdict != "ok") throw Failure{.domain = "SQLite", .code = SQLITE_CORRUPT, .reason = verdict};
