@@ -5,6 +5,7 @@
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <benchmark/benchmark.h>
 #include <kestrel/platform/system.h>
+#include <tests/temporary_folder.h>
 
 #include <cstdint>
 #include <cstdio>
@@ -14,7 +15,6 @@
 #include <string>
 #include <vector>
 
-#include <tests/temporary_folder.h>
 #include "ratio_reporter.h"
 
 namespace {

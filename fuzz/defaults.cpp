@@ -174,8 +174,6 @@ class Player {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     constexpr std::size_t longest = 64 * 1024;
     if (size == 0 || size > longest) return -1;
-    static const bool isQuick = (fuzzing::hurrySQLite(), true);
-    (void)isQuick;
     fuzzing::removePreferences();
     const std::string_view rest = fuzzing::textOf(data + 1, size - 1);
     if (data[0] % 2 == 0) {

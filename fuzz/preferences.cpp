@@ -32,19 +32,11 @@ namespace kestrel::fuzzing {
 
 namespace fs = std::filesystem;
 
-const fs::path& preferencesFile() {
-    const fs::path memory = "/dev/shm";
-    static const test::TemporaryFolder folder(fs::is_directory(memory) ? memory : fs::temp_directory_path());
-    static const fs::path path = folder / "defaults.db";
-    return path;
-}
+namespace {
 
-void removePreferences() {
-    for (const char* suffix : {"", "-wal", "-shm", "-journal"})
-        unlink((preferencesFile().native() + suffix).c_str());
-}
-
-// In front of a block stands its size.
+/// Has SQLite take its memory where the sanitizer does not look: SQLite is not what is tested here, and watching over
+/// its memory takes most of the time. What the store reads of it is watched over by the tests of the store. In front of
+/// a block stands its size.
 void hurrySQLite() {
     struct Block {
         alignas(std::max_align_t) std::size_t size;
@@ -69,6 +61,26 @@ void hurrySQLite() {
         .xShutdown = [](void*) {},
         .pAppData = nullptr};
     require(sqlite3_config(SQLITE_CONFIG_MALLOC, &methods) == SQLITE_OK, "SQLite has not begun");
+}
+
+/// For as long as the program runs.
+struct Place {
+    Place() { hurrySQLite(); }
+
+    test::TemporaryFolder folder{fs::is_directory("/dev/shm") ? "/dev/shm" : fs::temp_directory_path()};
+    fs::path file = folder / "defaults.db";
+};
+
+}  // namespace
+
+const fs::path& preferencesFile() {
+    static const Place place;
+    return place.file;
+}
+
+void removePreferences() {
+    for (const char* suffix : {"", "-wal", "-shm", "-journal"})
+        unlink((preferencesFile().native() + suffix).c_str());
 }
 
 std::string shown(const DefaultsValue& value) {

@@ -11,15 +11,10 @@
 /// What the targets share that have a file of preferences.
 namespace kestrel::fuzzing {
 
-/// In a folder in memory that goes away with the program.
+/// In a folder in memory that goes away with the program. Asked for before SQLite begins.
 const std::filesystem::path& preferencesFile();
 /// With what SQLite puts beside it.
 void removePreferences();
-
-/// Has SQLite take its memory where the sanitizer does not look: SQLite is not what is tested here, and watching over
-/// its memory takes most of the time. What the store reads of it is watched over by the tests of the store. Before the
-/// first file is opened.
-void hurrySQLite();
 
 /// A value as a text that is equal when the value is, bit for bit.
 std::string shown(const DefaultsValue& value);

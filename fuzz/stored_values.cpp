@@ -172,7 +172,6 @@ class Scene {
 
   private:
     static std::shared_ptr<SQLiteUserDefaults> openStore() {
-        fuzzing::hurrySQLite();
         fuzzing::removePreferences();
         auto store = SQLiteUserDefaults::open(fuzzing::preferencesFile());
         require(store.has_value() && (*store)->set("key", true).has_value(), "there is a file");

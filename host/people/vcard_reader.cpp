@@ -579,8 +579,6 @@ class CardBuilder {
         if (position_ && !card_.addresses.front().position) card_.addresses.front().position = position_;
     }
 
-    static std::string withoutScheme(const std::string& value) { return value.substr(value.find(':') + 1); }
-
     void addProfile(const Property& property, std::string value) {
         ContactCard::Profile profile;
         std::vector<std::string> types = property.types();

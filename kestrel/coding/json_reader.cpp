@@ -474,6 +474,12 @@ bool JSONReader::read(double& value) {
     // The common form, exactly: few enough digits that the integer and the power of ten are both exact doubles.
     std::uint64_t digits = 0;
     const char* const integerStart = at;
+    const auto takeEach = [&] {
+        while (at != end_ && isDigit(*at) && digits < (std::uint64_t{1} << 53U)) {
+            digits = digits * 10 + static_cast<std::uint64_t>(*at - '0');
+            ++at;
+        }
+    };
     const auto take = [&] {
         static constexpr std::array<std::uint64_t, 9> powers{1,       10,        100,        1'000,      10'000,
                                                              100'000, 1'000'000, 10'000'000, 100'000'000};
@@ -484,10 +490,7 @@ bool JSONReader::read(double& value) {
                 at += count;
             }
         }
-        while (at != end_ && isDigit(*at) && digits < (std::uint64_t{1} << 53U)) {
-            digits = digits * 10 + static_cast<std::uint64_t>(*at - '0');
-            ++at;
-        }
+        takeEach();
     };
     take();
     std::ptrdiff_t decimals = 0;
@@ -499,10 +502,7 @@ bool JSONReader::read(double& value) {
         if (digits < 1'000'000) {
             take();
         } else {
-            while (at != end_ && isDigit(*at) && digits < (std::uint64_t{1} << 53U)) {
-                digits = digits * 10 + static_cast<std::uint64_t>(*at - '0');
-                ++at;
-            }
+            takeEach();
         }
         decimals = at - fraction;
         simple = decimals > 0;
