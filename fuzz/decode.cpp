@@ -1,22 +1,8 @@
 #include <fuzz/fuzzing.h>
 #include <host/command/codable_types.h>
-#include <host/store/stored_records.h>
 #include <kestrel/access/permissions.h>
-#include <kestrel/activity/email_message_status.h>
-#include <kestrel/calendar/alert_object.h>
-#include <kestrel/calendar/reminder.h>
-#include <kestrel/calendar/repeat_entries.h>
 #include <kestrel/coding/json.h>
-#include <kestrel/details/electronic_address.h>
-#include <kestrel/details/geo_address.h>
-#include <kestrel/details/phone.h>
-#include <kestrel/files/image_asset.h>
-#include <kestrel/invitations/external_invitation.h>
-#include <kestrel/invitations/external_invitation_config.h>
-#include <kestrel/invitations/external_invitation_recipient.h>
-#include <kestrel/invitations/meeting_history.h>
-#include <kestrel/relationships/role_type.h>
-#include <kestrel/session/database_preference.h>
+#include <kestrel/session/all_records.h>
 
 #include <algorithm>
 #include <cstdint>

@@ -38,7 +38,7 @@ struct RecordRegister : Entries... {
 template <class... Entries>
 RecordRegister(Entries...) -> RecordRegister<Entries...>;
 
-/// The record types of the library, in alphabetical order.
+/// The record types of the library, in alphabetical order. Complete they are with <kestrel/session/all_records.h>.
 inline constexpr RecordRegister recordTypes{
     RecordNames<struct AlertObject>{"AlertObject"},
     RecordNames<struct AnyElectronicAddress>{"AnyElectronicAddress", "ElectronicAddress"},
