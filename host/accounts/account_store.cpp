@@ -184,6 +184,12 @@ void AccountStore::join(const std::string& email, const std::string& companyName
     }
 }
 
+std::filesystem::path AccountStore::databaseOf(const std::string& companyName) {
+    auto row = bound(database_, "SELECT file FROM Company WHERE id = ?", requiredCompany(companyName));
+    row.executeStep();
+    return row.getColumn(0).getString();
+}
+
 void AccountStore::setActive(const std::string& email, const std::string& companyName, bool isActive) {
     if (execute(database_, "UPDATE Membership SET isActive = ? WHERE email = ? AND company = ?", isActive ? 1 : 0,
                 email, requiredCompany(companyName)) == 0)

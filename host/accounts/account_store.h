@@ -67,6 +67,8 @@ class AccountStore {
     /// Adds an account to a company, or makes it another user there. A Failure when it was deactivated there, which
     /// only `setActive` takes back.
     void join(const std::string& email, const std::string& companyName, const std::string& username);
+    /// The database of a company. A Failure when there is no such company.
+    [[nodiscard]] std::filesystem::path databaseOf(const std::string& companyName);
     void setActive(const std::string& email, const std::string& companyName, bool isActive);
     /// Withdraws the access of every device that is signed in. How many there were.
     std::size_t revokeDevices(const std::string& email);

@@ -30,10 +30,11 @@ class AccountsService : public ServiceProtocol {
     [[nodiscard]] virtual AnyPublisher<Never, UpdateError> setPassword(std::string email, std::string password) = 0;
     /// In the place of the one before, if any.
     [[nodiscard]] virtual AnyPublisher<SecondFactor, UpdateError> addSecondFactor(std::string email) = 0;
+    /// The database has to be there.
     [[nodiscard]] virtual AnyPublisher<Never, UpdateError> addCompany(std::string name, std::filesystem::path database,
                                                                       bool requiresOneTimeCode) = 0;
-    /// Lets an account sign in to a company as a user of its database, or as another one than before; not one that is
-    /// deactivated there.
+    /// Lets an account sign in to a company as a user of its database, who has to be there, or as another one than
+    /// before; not one that is deactivated there.
     [[nodiscard]] virtual AnyPublisher<Never, UpdateError> join(std::string email, std::string companyName,
                                                                 std::string username) = 0;
     [[nodiscard]] virtual AnyPublisher<Never, UpdateError> setActive(std::string email, std::string companyName,

@@ -23,6 +23,7 @@
 #include <unistd.h>
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <charconv>
 #include <csignal>
 #include <cstdint>
@@ -62,8 +63,8 @@ constexpr std::string_view importExamples =
 Events, tasks and mail are linked with the contacts whose e-mail addresses occur in them, whichever came first.
 
 An import is done as a whole or not at all. A broken row of a CRM export is named, with its file, and nothing is changed.
-A broken card, event or message is named with its file and line and left out; with --strict nothing is changed. Importing
-again updates what has changed; what is no longer in the files stays.
+A broken card, event or message is named with its file and line and left out, which is still a success; with --strict
+nothing is changed. Importing again updates what has changed; what is no longer in the files stays.
 
   kestrel import data/crm-sales-opportunities --database crm.db
   kestrel import data/people --database crm.db
@@ -113,15 +114,24 @@ constexpr std::string_view defaultsExamples =
   kestrel defaults get --json
   kestrel defaults watch Theme)";
 
-constexpr std::string_view loginExamples =
-    R"(Signs in with an account of this machine and writes each state of the login. What is not given is asked for; passwords
-are read without being shown, one line of standard input each where that is no terminal. A session lasts until `kestrel
-logout`, or until the company deactivates the user or the access of the device is withdrawn.
+constexpr std::string_view accountExamples =
+    R"(Accounts are those of this machine, with which `kestrel login` signs in to companies; a company has a database, and an
+account is one of its users there. Passwords are asked for and read without being shown, one line of standard input each
+where that is no terminal.
 
   kestrel account add ada@example.com
   kestrel account add-company Acme --database crm.db
   kestrel account join ada@example.com Acme --user "Moses Frase"
+  kestrel account second-factor ada@example.com
+  kestrel login ada@example.com)";
+
+constexpr std::string_view loginExamples =
+    R"(Signs in with an account of this machine (`kestrel account --help`) and writes each state of the login. What is not
+given is asked for; passwords are read without being shown, one line of standard input each where that is no terminal. A
+session lasts until `kestrel logout`, or until the company deactivates the user or the access of the device is withdrawn.
+
   kestrel login ada@example.com
+  kestrel login ada@example.com --company Acme
   kestrel login --status
   kestrel login --unlock)";
 
@@ -152,7 +162,8 @@ recent ones by day. The activity of a company is also that of its people.
 
 constexpr std::string_view linksExamples =
     R"(Lists the contacts that are linked to the record, and how: by a role at a company, on an opportunity or a project, by a
-relationship to the contact, or by an email that is filed with them.
+relationship to the contact, or by an email that is filed with them. What a contact itself points at is on its page, which
+`kestrel contact` shows.
 
   kestrel links Organization/7 --database crm.db --user administrator
   kestrel links Contact/12 --database crm.db --user moses.frase --json)";
@@ -170,7 +181,8 @@ The command serves until it is ended by Ctrl-C or SIGTERM; given once more, they
 answered.)";
 
 constexpr std::string_view showExamples =
-    R"(Shows every member of the record that is present, and names the absent ones.
+    R"(Shows every member of the record that is present, and names the absent ones. For who keeps the database: it asks
+nobody's permissions.
 
   kestrel show Opportunity/42 --database crm.db
   kestrel show User/1 --database crm.db --json)";
@@ -225,6 +237,15 @@ std::function<std::string(const std::string&)> countProblem(std::string_view thi
     };
 }
 
+/// Says what is wrong with a port; an empty text when nothing is.
+std::string portProblem(const std::string& text) {
+    std::uint16_t port = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, problem] = std::from_chars(text.data(), end, port);
+    if (problem == std::errc() && stop == end) return {};
+    return fmt::format("\"{}\" is no port, which is a number from 0 to 65535", text);
+}
+
 /// The command line: fills the options of the command that is asked for.
 class CommandLine {
   public:
@@ -263,6 +284,12 @@ class CommandLine {
         } catch (const CLI::CallForHelp&) {
             output.write(app_.help());
             return success;
+        } catch (const CLI::ExtrasError& problem) {
+            const std::vector<std::string> rest = app_.remaining();
+            const auto word = std::ranges::find_if(rest, [](const auto& each) { return !each.starts_with('-'); });
+            if (!app_.get_subcommands().empty() || word == rest.end()) throw WrongUsage(problem.what() + helpHint());
+            throw WrongUsage(fmt::format("there is no command \"{}\"; there is: {}", *word, commandNames()) +
+                             helpHint());
         } catch (const CLI::ParseError& problem) {
             throw WrongUsage(problem.what() + helpHint());
         }
@@ -270,16 +297,18 @@ class CommandLine {
         for (const auto& [command, runCommand] : commands_) {
             if (*command) return runCommand(output, terminal);
         }
-        throw WrongUsage(
-            "a command is required: import, board, contact, contacts, activity, links, access, show, serve, decode, "
-            "doctor, "
-            "geocode, defaults, open, login, logout or account" +
-            helpHint());
+        throw WrongUsage("a command is required: " + commandNames() + helpHint());
     }
 
   private:
     using Run = std::function<int(Output&, const Terminal&)>;
 
+    [[nodiscard]] std::string commandNames() const {
+        std::vector<std::string> names;
+        for (const CLI::App* command : app_.get_subcommands([](const CLI::App*) { return true; }))
+            names.push_back(command->get_name());
+        return listed(names);
+    }
     [[nodiscard]] std::string helpHint() const {
         const auto given = app_.get_subcommands();
         return fmt::format("; see `kestrel {}--help`", given.empty() ? "" : given.front()->get_name() + " ");
@@ -438,6 +467,7 @@ class CommandLine {
                                        });
         addView(command, serve_.database, serve_.user);
         command->add_option("-p,--port", serve_.port, "The port to listen on; any free one when 0 or not given")
+            ->check(portProblem)
             ->type_name("N");
     }
 
@@ -549,7 +579,10 @@ class CommandLine {
     }
 
     static void addAccounts(CLI::App* command, std::string& accounts) {
-        command->add_option("--accounts", accounts, "The file of accounts; the user's own when not given")
+        command
+            ->add_option(
+                "--accounts", accounts,
+                "The file of accounts; kestrel/accounts.sqlite in $XDG_DATA_HOME or ~/.local/share when not given")
             ->type_name("FILE");
     }
 
@@ -580,11 +613,12 @@ class CommandLine {
 
     void addAccount() {
         CLI::App* accounts = app_.add_subcommand("account", "Manage the accounts of this machine");
-        accounts->footer(std::string(loginExamples));
+        accounts->footer(std::string(accountExamples));
         accounts->require_subcommand(1);
         using Change = std::function<void(Output&, const Terminal&)>;
-        const auto add = [&](const char* name, const char* description, Change change) {
+        const auto add = [&](const char* name, const char* description, const std::string& example, Change change) {
             CLI::App* command = accounts->add_subcommand(name, description);
+            command->footer(fmt::format("  kestrel account {} {}", name, example));
             addAccounts(command, account_.accounts);
             commands_.emplace_back(command, [change = std::move(change)](Output& output, const Terminal& terminal) {
                 change(output, terminal);
@@ -600,31 +634,32 @@ class CommandLine {
             command->add_option("COMPANY", account_.company, "The company")->required()->type_name("");
             return command;
         };
-        addEmail(add("add", "Add an account; asks for its password",
+        addEmail(add("add", "Add an account; asks for its password", "ada@example.com",
                      [this](Output&, const Terminal&) { addAccountCommand(account_); }));
-        addEmail(add("set-password", "Change the password of an account",
+        addEmail(add("set-password", "Change the password of an account", "ada@example.com",
                      [this](Output&, const Terminal&) { setPasswordCommand(account_); }));
         CLI::App* factor = addEmail(
-            add("second-factor", "Switch on one-time codes, and write the secret for the device",
+            add("second-factor", "Switch on one-time codes, and write the secret for the device", "ada@example.com",
                 [this](Output& output, const Terminal& terminal) { secondFactorCommand(account_, output, terminal); }));
         addJSON(factor, account_.isJSON);
-        CLI::App* company = addCompany(
-            add("add-company", "Add a company", [this](Output&, const Terminal&) { addCompanyCommand(account_); }));
+        CLI::App* company = addCompany(add("add-company", "Add a company", "Acme --database crm.db",
+                                           [this](Output&, const Terminal&) { addCompanyCommand(account_); }));
         addDatabase(company, account_.database);
         company->add_flag("--require-one-time-code", account_.requiresOneTimeCode,
                           "Only for accounts with a second factor");
-        CLI::App* join = addCompany(addEmail(add("join", "Add an account to a company",
-                                                 [this](Output&, const Terminal&) { joinCompanyCommand(account_); })));
+        CLI::App* join = addCompany(
+            addEmail(add("join", "Add an account to a company", "ada@example.com Acme --user \"Moses Frase\"",
+                         [this](Output&, const Terminal&) { joinCompanyCommand(account_); })));
         join->add_option("-u,--user", account_.user, "Who the account's user is in the database")
             ->required()
             ->type_name("NAME");
-        addCompany(addEmail(add("deactivate", "Deactivate a user in a company",
+        addCompany(addEmail(add("deactivate", "Deactivate a user in a company", "ada@example.com Acme",
                                 [this](Output&, const Terminal&) { setActiveCommand(account_, false); })));
-        addCompany(addEmail(add("activate", "Let a deactivated user in again",
+        addCompany(addEmail(add("activate", "Let a deactivated user in again", "ada@example.com Acme",
                                 [this](Output&, const Terminal&) { setActiveCommand(account_, true); })));
-        addEmail(add("revoke", "Withdraw the access of all devices of an account",
+        addEmail(add("revoke", "Withdraw the access of all devices of an account", "ada@example.com",
                      [this](Output& output, const Terminal&) { revokeDevicesCommand(account_, output); }));
-        CLI::App* list = add("list", "List the accounts", [this](Output& output, const Terminal& terminal) {
+        CLI::App* list = add("list", "List the accounts", "--json", [this](Output& output, const Terminal& terminal) {
             listAccountsCommand(account_, output, terminal);
         });
         addJSON(list, account_.isJSON);

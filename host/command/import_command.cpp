@@ -167,7 +167,7 @@ void importCommand(const ImportOptions& options, Output& output, const Terminal&
                             files == 1 ? "file" : "files", printable(options.database));
         text += reportText(*outcome->people);
     }
-    if (outcome->isUnchanged) text += "Everything was unchanged: nothing has been written.\n";
+    if (outcome->isUnchanged) text += "Everything was unchanged: no record has been written.\n";
     output.write(text);
 }
 

@@ -23,7 +23,7 @@ std::string_view kindOf(const ContactLink& link) {
 }
 
 std::string linksText(const std::vector<LinkedContact>& links, const AnyObjectID& id, const Terminal& terminal) {
-    if (links.empty()) return fmt::format("no contact is linked to {}\n", id.stringValue());
+    if (links.empty()) return fmt::format("no contact's link points at {}\n", id.stringValue());
     Table table(4);
     table.add({"CONTACT", "IDENTIFIER", "LINK", "AS"}, boldStyle);
     for (const LinkedContact& found : links) {

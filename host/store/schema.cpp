@@ -174,7 +174,8 @@ CREATE TABLE "DatabasePreference"(id INTEGER PRIMARY KEY, record TEXT NOT NULL) 
 
 /// What makes each version of the one before it; the first makes version 1 of an empty database. A step that has been
 /// released is never changed again: databases of its version exist.
-constexpr std::array<const char*, schemaVersion> steps{version1, version2, version3};
+constexpr std::array steps{version1, version2, version3};
+static_assert(steps.size() == schemaVersion, "Every version of the schema has its step.");
 
 }  // namespace
 

@@ -4,11 +4,11 @@
 #include <host/store/store.h>
 #include <kestrel/foundation/uuid.h>
 #include <sqlite3.h>
-#include <stdio.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <system_error>
 
@@ -48,7 +48,9 @@ int checkedVersion(SQLite::Database& database, const std::filesystem::path& file
 
 /// A Failure for a database of an earlier version.
 void requireCurrentSchema(SQLite::Database& database, const std::filesystem::path& file) {
-    if (checkedVersion(database, file) < schemaVersion) {
+    const int version = checkedVersion(database, file);
+    if (version == 0) throw Failure(fmt::format("{}: is an empty database; `kestrel import` fills it", file.native()));
+    if (version < schemaVersion) {
         throw Failure(
             fmt::format("{}: is not of the current schema; `kestrel import` brings it up to date", file.native()));
     }
@@ -192,6 +194,13 @@ void WritingStore::commit() {
     if (!unfinished_.empty()) setJournalMode(*database_, "wal", file_);
     database_.reset();
     if (!unfinished_.empty()) giveName(unfinished_, file_);
+}
+
+int checkedSchemaVersion(const std::filesystem::path& file) {
+    return withDatabase(file, [&] {
+        SQLite::Database database = openForReading(file);
+        return checkedVersion(database, file);
+    });
 }
 
 Failure databaseFailure(const std::filesystem::path& file, const SQLite::Exception& problem) {

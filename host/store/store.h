@@ -87,6 +87,10 @@ class WritingStore {
     std::optional<SQLite::Transaction> transaction_;
 };
 
+/// The version of the schema that a database has, which may be an earlier one; 0 for an empty one. A Failure when there
+/// is no such file, when it is no database of this system, or one of a newer version.
+[[nodiscard]] int checkedSchemaVersion(const std::filesystem::path& file);
+
 /// What went wrong, in one line that names the database.
 [[nodiscard]] Failure databaseFailure(const std::filesystem::path& file, const SQLite::Exception& problem);
 

@@ -1,13 +1,12 @@
 #include <fmt/format.h>
 #include <host/terminal/text.h>
 #include <kestrel/foundation/unicode.h>
-#include <locale.h>
-#include <wchar.h>
-#include <wctype.h>
 
 #include <algorithm>
+#include <clocale>
 #include <cmath>
-#include <numeric>
+#include <cwchar>
+#include <cwctype>
 #include <utility>
 
 namespace kestrel::host {
@@ -78,7 +77,8 @@ std::size_t typingMistakes(const std::vector<char32_t>& a, const std::vector<cha
     std::vector<std::size_t> beforeLast(b.size() + 1);
     std::vector<std::size_t> last(b.size() + 1);
     std::vector<std::size_t> row(b.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t j = 0; j < row.size(); ++j)
+        row[j] = j;
     for (std::size_t i = 1; i <= a.size(); ++i) {
         beforeLast = std::exchange(last, row);
         row[0] = i;

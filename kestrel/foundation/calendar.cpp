@@ -2,9 +2,9 @@
 #include <kestrel/foundation/calendar.h>
 #include <kestrel/foundation/fatal.h>
 #include <langinfo.h>
-#include <locale.h>
 
 #include <algorithm>
+#include <clocale>
 #include <cmath>
 #include <cstdlib>
 #include <exception>

@@ -8,14 +8,14 @@
 
 namespace kestrel {
 
-/// Geocoding with a geocoder for each question, and a memory of the last answers: an address that was found is not
-/// asked for again. Failures are not remembered, and a question under way is not shared.
+/// Geocoding with a geocoder for each question, and a history of the last ones: an address that was found is not asked
+/// for again. One that was not found is, and a question under way is not shared.
 class CoreLocationGeocoderService final : public AddressGeocoderService {
   public:
     /// Makes a geocoder for one question.
     using MakeGeocoder = std::function<std::unique_ptr<GeocoderProtocol>()>;
 
-    /// How many addresses are remembered.
+    /// How many addresses the history has at most.
     static constexpr std::size_t capacity = 100;
 
     /// A function that is empty is a mistake in the program: fatal().
@@ -23,7 +23,7 @@ class CoreLocationGeocoderService final : public AddressGeocoderService {
 
     [[nodiscard]] AnyPublisher<Placemark, GeocodeError> geocode(const PostalAddress& address) override;
 
-    /// The addresses that are remembered, the oldest first.
+    /// The addresses that were asked for, whatever came of it, by their last question, the oldest first.
     [[nodiscard]] std::vector<PostalAddress> history() const;
 
   private:

@@ -1,3 +1,5 @@
+#include <gmock/gmock.h>
+
 #include <algorithm>
 #include <set>
 #include <string>
@@ -32,7 +34,7 @@ TEST(TheRecordContract, leavesNoRecordOfTheRegisterOut) {
         EXPECT_TRUE(checked.insert(each.recordName).second) << each.recordName << " stands there twice";
     std::set<std::string> registered;
     kestrel::recordTypes.forEach([&](const auto& names) { registered.emplace(names.recordName); });
-    EXPECT_EQ(checked, registered);
+    EXPECT_THAT(checked, testing::ContainerEq(registered));
 }
 
 }  // namespace

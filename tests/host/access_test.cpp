@@ -109,7 +109,8 @@ TEST_F(Access, andShowTellWhatTheyCannotFind) {
          {Case{"Opportunity/99", 1, "there is no Opportunity/99\n"}, Case{"Contact/1", 1, "there is no Contact/1\n"},
           Case{"Phone/1", 1, "databases keep no records of Phone\n"},
           Case{"Company/1", 2,
-               R"("Company/1" names no record; write ENTITY/NUMBER, with one of Label, Relationship, Role,)"},
+               R"("Company/1" names no record; a Company is "Organization/1" there; write ENTITY/NUMBER, with one of )"
+               "Label, Relationship, Role,"},
           Case{"Opportunity/1x", 2, R"("Opportunity/1x" names no record)"}, Case{"7", 2, R"("7" names no record)"},
           Case{"Opportunity/99999999999999999999", 2, R"("Opportunity/99999999999999999999" names no record)"}}) {
         SCOPED_TRACE(record);

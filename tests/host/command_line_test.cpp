@@ -57,6 +57,22 @@ TEST(CommandLine, endsWithTwoForWrongUsage) {
     }
 }
 
+TEST(CommandLine, saysWhatItTakesInsteadOfWhatItWasGiven) {
+    EXPECT_THAT(kestrel({"paint", "--red"}).errors,
+                AllOf(HasSubstr("there is no command \"paint\"; there is: import, board, contact, "),
+                      HasSubstr(" login, logout, account; see `kestrel --help`")));
+    EXPECT_THAT(kestrel({"board", "--database", "x", "--user", "y", "stray"}).errors, Not(HasSubstr("no command")));
+    for (const std::string port : {"65536", "-1", "http"})
+        EXPECT_THAT(kestrel({"serve", "--port", port}).errors, HasSubstr("\"" + port + "\" is no port, "));
+    EXPECT_THAT(kestrel({"account", "revoke", "--help"}).output,
+                AllOf(HasSubstr("kestrel account revoke ada@example.com"), Not(HasSubstr("Signs in"))));
+
+    const TemporaryFolder folder;
+    writeText(folder / "empty.db", "");
+    EXPECT_EQ(kestrel({"show", "User/1", "--database", folder / "empty.db"}).errors,
+              "kestrel: " + (folder / "empty.db").native() + ": is an empty database; `kestrel import` fills it\n");
+}
+
 TEST(CommandLine, endsQuietlyWhenNobodyReadsOn) {
     const ImportedDatabase imported;
     const std::vector<std::string> board{"board", "--database", imported.path(), "--user", "administrator", "--json"};

@@ -448,7 +448,8 @@ TEST(Store, refusesWhatIsNotItsOwn) {
         std::string file, message;
     };
     for (const auto& [file, message] :
-         {Case{"newer.db", "was written by a newer version of kestrel: its schema is version 99, this one knows 3"},
+         {Case{"newer.db", "was written by a newer version of kestrel: its schema is version 99, this one knows " +
+                               std::to_string(schemaVersion)},
           Case{"other.db", "is a database of another program"}, Case{"unmarked.db", "is a database of another program"},
           Case{"text.db", "is no database"}}) {
         SCOPED_TRACE(file);

@@ -78,13 +78,13 @@ TEST_F(Links, pointAtWherePeopleHaveRoles) {
     EXPECT_THAT(links("Opportunity/1"), HasSubstr("\nGeorge Byron  Contact/13  opportunity role  -\n"));
     EXPECT_THAT(links("Project/5"), HasSubstr("\nAda Lovelace  Contact/12  project role  Author\n"));
     // A relationship to a company is no link to it.
-    EXPECT_EQ(links("Organization/2"), "no contact is linked to Organization/2\n");
+    EXPECT_EQ(links("Organization/2"), "no contact's link points at Organization/2\n");
 }
 
 TEST_F(Links, pointAtEmails) {
     EXPECT_THAT(links("Email/1"), AllOf(HasSubstr("\nAda Lovelace  Contact/12  email  -\n"),
                                         HasSubstr("\nGeorge Byron  Contact/13  email  -\n")));
-    EXPECT_EQ(links("Email/2"), "no contact is linked to Email/2\n");
+    EXPECT_EQ(links("Email/2"), "no contact's link points at Email/2\n");
     EXPECT_EQ(database.run({"links", "Email/2", "--json"}).output, "[]\n");
 }
 

@@ -190,7 +190,7 @@ TEST_F(Login, refusesDatabasesThatAreGoneOrDamagedAndBringsOldOnesUpToDate) {
     EXPECT_NE(migrated.output.find("loggedIn              migratingSchema\n"), migrated.output.npos) << migrated.output;
     EXPECT_EQ(status(), "Moses Frase is signed in to Acme.\n");
 
-    ASSERT_EQ(run({"account", "join", "moses@example.com", "Acme", "--user", "Nobody"}).exitCode, 0);
+    SQLite::Database(database, SQLite::OPEN_READWRITE).exec("DELETE FROM User");
     EXPECT_NE(login().errors.find("(offlineSetupError)"), std::string::npos);
 }
 
@@ -218,6 +218,29 @@ TEST_F(Login, isNotGivenBackByJoiningAgain) {
     ASSERT_EQ(join().errors, "");
     ASSERT_EQ(run({"login", "moses@example.com"}, "secret\n").exitCode, 0);
     EXPECT_EQ(status(), "Donn Cantrell is signed in to Acme.\n");
+}
+
+TEST_F(Login, isOnlySetUpForUsersAndDatabasesThatAreThere) {
+    const auto join = [&](const char* user) {
+        return run({"account", "join", "moses@example.com", "Acme", "--user", user}).errors;
+    };
+    EXPECT_EQ(join("Nobody At All"), "kestrel: there is no user \"Nobody At All\"\n");
+    EXPECT_EQ(run({"account", "join", "moses@example.com", "Zenith", "--user", "Moses Frase"}).errors,
+              "kestrel: there is no company Zenith\n");
+    EXPECT_EQ(run({"login", "moses@example.com"}, "secret\n").exitCode, 0);
+    EXPECT_EQ(status(), "Moses Frase is signed in to Acme.\n") << "as before";
+
+    const auto addCompany = [&](const Path& file) {
+        return run({"account", "add-company", "Zenith", "--database", file}).errors;
+    };
+    const Path missing = folder / "missing.db";
+    EXPECT_EQ(addCompany(missing),
+              "kestrel: " + missing.native() + ": there is no such database; `kestrel import` makes one\n");
+    EXPECT_FALSE(std::filesystem::exists(missing));
+    const Path text = folder / "text.db";
+    writeText(text, "Dear diary, this is certainly no database at all, however long it gets.");
+    EXPECT_EQ(addCompany(text), "kestrel: " + text.native() + ": is no database\n");
+    EXPECT_EQ(addCompany(database), "") << "and the name is still free";
 }
 
 TEST_F(Login, hasItsAccountsManagedByAServiceOfTheRuntime) {
