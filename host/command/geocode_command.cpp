@@ -37,12 +37,11 @@ void setCity(PostalAddress& address, std::string_view part) {
     const auto firstBlank = part.find(' ');
     const auto lastBlank = part.rfind(' ');
     const auto hasDigit = [](std::string_view word) { return std::ranges::any_of(word, isDigit); };
-    if (firstBlank == std::string_view::npos) {
-        address.city = part;
-    } else if (hasDigit(part.substr(0, firstBlank))) {
+    const bool isOneWord = firstBlank == std::string_view::npos;
+    if (!isOneWord && hasDigit(part.substr(0, firstBlank))) {
         address.postalCode = part.substr(0, firstBlank);
         address.city = trimmedWhiteSpace(part.substr(firstBlank));
-    } else if (hasDigit(part.substr(lastBlank))) {
+    } else if (!isOneWord && hasDigit(part.substr(lastBlank))) {
         address.postalCode = part.substr(lastBlank + 1);
         address.city = trimmedWhiteSpace(part.substr(0, lastBlank));
     } else {

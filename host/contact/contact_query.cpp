@@ -22,7 +22,7 @@ std::optional<std::int64_t> keyIn(std::string_view text) {
     std::vector<std::string> near = nearNames(text, names);
     if (near.empty()) throw Failure(fmt::format("there is no contact \"{}\"", text));
     for (std::string& name : near)
-        name = '"' + name + '"';
+        name = fmt::format("\"{}\"", name);
     throw Failure(fmt::format("there is no contact \"{}\"; did you mean {}?", text, fmt::join(near, " or ")));
 }
 

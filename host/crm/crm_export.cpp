@@ -96,7 +96,7 @@ class RowReader {
         return day;
     }
     /// The field as it stands.
-    const std::string& raw(std::size_t column) const { return row_.fields[column]; }
+    [[nodiscard]] const std::string& raw(std::size_t column) const { return row_.fields[column]; }
 
     [[nodiscard]] std::string unusable(std::size_t column, std::string_view expected) const {
         return fmt::format("{} \"{}\" is not {}", header_[column], row_.fields[column], expected);
@@ -138,7 +138,7 @@ class UniqueNames {
 
 class ExportReader {
   public:
-    explicit ExportReader(const std::filesystem::path& folder) : folder_(folder) {
+    explicit ExportReader(std::filesystem::path folder) : folder_(std::move(folder)) {
         export_.mendings.assign(knownMendings.begin(), knownMendings.end());
     }
 

@@ -269,7 +269,7 @@ class CalendarImporter {
             const std::string when = start ? written(*start, entry.isAllDay, zoneOf(entry)) : "";
             identities.push_back({.place = entry.place,
                                   .uid = entry.uid.empty() ? "" : entry.uid + occurrence,
-                                  .substitute = foldedCase(entry.summary) + "\n" + when + occurrence,
+                                  .substitute = fmt::format("{}\n{}{}", foldedCase(entry.summary), when, occurrence),
                                   .digest = entry.digest});
         }
         const auto isNewer = [&](std::size_t later, std::size_t earlier) {

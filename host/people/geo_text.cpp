@@ -20,12 +20,12 @@ std::optional<std::pair<double, double>> positionOf(std::string_view text) {
         if (problem != std::errc() || stop != digits.data() + digits.size()) return std::nullopt;
         return value;
     };
+    // False for what is no number, too.
+    const auto isWithin = [](double value, double most) { return value >= -most && value <= most; };
     const auto latitude = number(text.substr(0, comma));
     const auto longitude = number(text.substr(comma + 1));
-    if (!latitude || !longitude || !(*latitude >= -mostNorth && *latitude <= mostNorth) ||
-        !(*longitude >= -mostEast && *longitude <= mostEast)) {
+    if (!latitude || !longitude || !isWithin(*latitude, mostNorth) || !isWithin(*longitude, mostEast))
         return std::nullopt;
-    }
     return std::pair(*latitude, *longitude);
 }
 

@@ -11,6 +11,7 @@
 #include <map>
 #include <set>
 #include <string_view>
+#include <tuple>
 #include <utility>
 
 namespace kestrel::host {
@@ -137,7 +138,7 @@ class ZoneTable {
             icaltimezone_set_component(zone.get(), parsedComponent.get()) == 0) {
             return "the time zone cannot be read";
         }
-        (void)parsedComponent.release();
+        std::ignore = parsedComponent.release();
         std::string name = databaseName(location.empty() ? id : location);
         known_[id] = {.zone = zone.get(), .name = std::move(name)};
         zones_.push_back(std::move(zone));

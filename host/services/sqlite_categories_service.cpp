@@ -60,7 +60,7 @@ AnyPublisher<Category, UpdateError> SQLiteCategoriesService::createCategory(std:
 }
 
 AnyPublisher<Category, UpdateError> SQLiteCategoriesService::updateCategory(const Category& category) {
-    return updating([context = context_, category] {
+    return updating([context = context_, category = category] {
         return context->write([&](RecordWriter& records) {
             const Category before = records.changeable(category.objectID());
             Category stored = category;

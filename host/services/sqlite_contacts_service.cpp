@@ -41,7 +41,7 @@ AnyPublisher<std::vector<LinkedContact>, ReadError> SQLiteContactsService::fetch
 }
 
 AnyPublisher<Contact, UpdateError> SQLiteContactsService::updateContact(const Contact& contact) {
-    return updating([context = context_, contact] {
+    return updating([context = context_, contact = contact] {
         return context->write([&](RecordWriter& records) { return storeContact(records, contact); });
     });
 }

@@ -91,7 +91,7 @@ AnyPublisher<BoardConfig, ReadError> SQLitePipelineBoardService::fetchBoardConfi
 }
 
 AnyPublisher<Never, UpdateError> SQLitePipelineBoardService::storeBoardConfig(const BoardConfig& config) {
-    return completing([context = context_, preferences = preferences_, config] {
+    return completing([context = context_, preferences = preferences_, config = config] {
         const std::string name = context->read([&](ReadableRecords& records, const Directory&) {
             return preferenceName(*context, kindOf(config), records.user());
         });
@@ -102,7 +102,7 @@ AnyPublisher<Never, UpdateError> SQLitePipelineBoardService::storeBoardConfig(co
 
 AnyPublisher<BoardData, ReadError> SQLitePipelineBoardService::fetchBoard(const BoardConfig& config,
                                                                           const CalendarMoment& at) {
-    return reading([context = context_, config, at] {
+    return reading([context = context_, config = config, at] {
         return context->read([&](ReadableRecords& records, const Directory& directory) {
             return boardOf(records, directory, config, at);
         });

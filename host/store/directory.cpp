@@ -40,7 +40,7 @@ const User& Directory::user(std::string_view name) const {
     std::vector<std::string> near = nearNames(name, names);
     if (near.empty()) throw Refusal(fmt::format("there is no user \"{}\"", name));
     for (std::string& candidate : near)
-        candidate = '"' + candidate + '"';
+        candidate = fmt::format("\"{}\"", candidate);
     throw Refusal(fmt::format("there is no user \"{}\"; did you mean {}?", name, fmt::join(near, " or ")));
 }
 

@@ -79,7 +79,7 @@ std::string partialDateText(const PartialDate& date) {
         return date.year ? fmt::format("{:04}-{:02}-{:02}", *date.year, date.month, date.day)
                          : fmt::format("--{:02}-{:02}", date.month, date.day);
     }
-    const std::string text = dayAndMonth(static_cast<unsigned>(date.day), static_cast<unsigned>(date.month));
+    std::string text = dayAndMonth(static_cast<unsigned>(date.day), static_cast<unsigned>(date.month));
     if (!date.year) return text;
     // There is no year 0: the year before 1 is 1 BC.
     return *date.year > 0 ? fmt::format("{} {}", text, *date.year) : fmt::format("{} {} BC", text, 1 - *date.year);

@@ -61,7 +61,8 @@ class PlainText {
         std::size_t start = 1;
         if (html.size() > 1 && html[1] == '/') start = 2;
         const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
-        if (start >= html.size() || !(isLetter(html[start]) || html[start] == '!' || html[start] == '?')) return false;
+        const auto startsMark = [&](char c) { return isLetter(c) || c == '!' || c == '?'; };
+        if (start >= html.size() || !startsMark(html[start])) return false;
         const auto end = html.find('>');
         const std::string_view mark = html.substr(start, end == html.npos ? html.npos : end - start);
         const std::string name = foldedCase(mark.substr(0, mark.find_first_of(" \t\r\n/")));

@@ -48,6 +48,7 @@ const std::optional<Date>& TaskItem::activityFeedReferenceDate() const noexcept 
     return task->dueDate ? task->dueDate : task->createDate;
 }
 
+// NOLINTNEXTLINE(bugprone-exception-escape): a choice always has a case to visit.
 std::strong_ordering operator<=>(const ActivityItemID& a, const ActivityItemID& b) noexcept {
     if (a.caseIndex() != b.caseIndex()) return a.caseIndex() <=> b.caseIndex();
     return a.match([&]<class T>(const ObjectID<T>& id) { return id <=> *b.template payloadIf<ObjectID<T>>(); });
@@ -63,6 +64,7 @@ ActivityItem::ID ActivityItem::id() const {
                  [](const URLReferenceItem& item) { return ID::urlReference(item.id()); });
 }
 
+// NOLINTNEXTLINE(bugprone-exception-escape): a choice always has a case to visit.
 const std::optional<Date>& ActivityItem::date() const noexcept {
     return match([](const auto& item) -> const std::optional<Date>& { return activityDate(item); });
 }

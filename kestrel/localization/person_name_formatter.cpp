@@ -616,12 +616,12 @@ std::string allCapitals(std::string_view text, std::string_view language) {
         std::ranges::transform(capitals, capitals.begin(), upper);
         return capitals;
     }
-    const auto size = static_cast<std::int32_t>(text.size());
     const std::string locale{language};
     UErrorCode error = U_ZERO_ERROR;
     std::u16string source(text.size() + 1, u'\0');
     std::int32_t length = 0;
-    u_strFromUTF8WithSub(source.data(), size + 1, &length, text.data(), size, 0xFFFD, nullptr, &error);
+    u_strFromUTF8WithSub(source.data(), static_cast<std::int32_t>(source.size()), &length, text.data(),
+                         static_cast<std::int32_t>(text.size()), 0xFFFD, nullptr, &error);
     if (U_FAILURE(error)) return std::string{text};
     // A character has at most three capitals.
     std::u16string target(static_cast<std::size_t>(length) * 3 + 1, u'\0');

@@ -42,6 +42,7 @@ struct PersonNameFields {
     /// None.
     constexpr PersonNameFields() noexcept = default;
     /// That one alone.
+    // NOLINTNEXTLINE(google-explicit-constructor): a field is a choice of one.
     constexpr PersonNameFields(PersonNameField field) noexcept
         : bits(static_cast<std::uint8_t>(1U << static_cast<unsigned>(field))) {}
     /// Every field.

@@ -26,6 +26,7 @@ class PassThroughSubject {
             conduit->send(value);
     }
     /// Ends all subscribers, and those who come later at once. Only the first completion counts.
+    // NOLINTNEXTLINE(performance-unnecessary-value-param): the caller's may go in a delivery.
     void send(Completion<Failure> completion) const {
         // Kept, for the subject may go meanwhile.
         const auto state = state_;

@@ -169,8 +169,8 @@ class AnyPublisher {
 template <class Output, class Failure = Never>
 [[nodiscard]] AnyPublisher<Output, Failure> just(Output value) {
     return AnyPublisher<Output, Failure>(
-        [value = std::move(value)](std::shared_ptr<Subscriber<Output, Failure>> subscriber) {
-            reactive_detail::startEmission<Output, Failure>(std::move(subscriber), [&](auto& emitter) {
+        [value = std::move(value)](const std::shared_ptr<Subscriber<Output, Failure>>& subscriber) {
+            reactive_detail::startEmission<Output, Failure>(subscriber, [&](auto& emitter) {
                 emitter.send(value);
                 emitter.finish();
                 return AnyCancellable();
@@ -181,8 +181,8 @@ template <class Output, class Failure = Never>
 /// An end at once.
 template <class Output, class Failure = Never>
 [[nodiscard]] AnyPublisher<Output, Failure> empty() {
-    return AnyPublisher<Output, Failure>([](std::shared_ptr<Subscriber<Output, Failure>> subscriber) {
-        reactive_detail::startEmission<Output, Failure>(std::move(subscriber), [](auto& emitter) {
+    return AnyPublisher<Output, Failure>([](const std::shared_ptr<Subscriber<Output, Failure>>& subscriber) {
+        reactive_detail::startEmission<Output, Failure>(subscriber, [](auto& emitter) {
             emitter.finish();
             return AnyCancellable();
         });
@@ -193,8 +193,8 @@ template <class Output, class Failure = Never>
 template <class Output, class Failure>
 [[nodiscard]] AnyPublisher<Output, Failure> fail(Failure failure) {
     return AnyPublisher<Output, Failure>(
-        [failure = std::move(failure)](std::shared_ptr<Subscriber<Output, Failure>> subscriber) {
-            reactive_detail::startEmission<Output, Failure>(std::move(subscriber), [&](auto& emitter) {
+        [failure = std::move(failure)](const std::shared_ptr<Subscriber<Output, Failure>>& subscriber) {
+            reactive_detail::startEmission<Output, Failure>(subscriber, [&](auto& emitter) {
                 emitter.fail(failure);
                 return AnyCancellable();
             });
