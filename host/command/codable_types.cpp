@@ -62,8 +62,7 @@ class TypeTable {
             add<ObjectID<Record>>("ObjectID<" + std::string(names.recordName) + ">");
         });
         const auto firstOther = static_cast<std::ptrdiff_t>(types_.size());
-        recordTypes.forEach(
-            [&]<class Record>(const RecordNames<Record>& names) { add<Record>(std::string(names.recordName)); });
+        recordTypes.forEach([&]<class Record>(const RecordNames<Record>& names) { add<Record>(names.recordName); });
         add<ActivityItemID>("ActivityItemID");
         add<ActivitySourceID>("ActivitySourceID");
         add<AppointmentID>("AppointmentID");
@@ -135,8 +134,8 @@ class TypeTable {
 
   private:
     template <class T>
-    void add(std::string name) {
-        types_.push_back({.name = std::move(name), .value = &recode<T>, .array = &recode<std::vector<T>>});
+    void add(std::string_view name) {
+        types_.push_back({.name = std::string(name), .value = &recode<T>, .array = &recode<std::vector<T>>});
     }
     std::vector<CodableType> types_;
 };
