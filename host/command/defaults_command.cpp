@@ -128,7 +128,7 @@ void getDefaults(const DefaultsOptions& options, Output& output, const Terminal&
 void setDefaults(const DefaultsOptions& options) {
     const auto value = valueOf(options.type, options.value);
     if (!value) throw WrongUsage(fmt::format("\"{}\" is no value of the type {}", options.value, options.type));
-    require(Preferences(options).service().writeStored(*value, options.key));
+    require(Preferences(options).service().writeStored(value, options.key));
 }
 
 void removeDefaults(const DefaultsOptions& options) {
@@ -154,7 +154,9 @@ void watchDefaults(const DefaultsOptions& options, Output& output, const Termina
             output.write(printable(key) + (value ? " = " + printable(textOf(*value)) : " is not set") + "\n");
         }
         output.flush();
-        if (options.count && left > 0 && --left == 0) platform::quitMainLoop();
+        if (!options.count || left == 0) return;
+        --left;
+        if (left == 0) platform::quitMainLoop();
     };
     known = snapshot();
     const auto watching = NotificationCenter::standard()

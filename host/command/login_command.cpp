@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <charconv>
 #include <filesystem>
+#include <tuple>
 #include <utility>
 
 namespace kestrel::host {
@@ -113,7 +114,7 @@ class LoginWalk {
         }
         return states->empty() ? std::nullopt : std::optional(states->front());
     }
-    void giveUp() const { (void)awaited(service().cancelLogin()); }
+    void giveUp() const { std::ignore = awaited(service().cancelLogin()); }
 
     template <class Ask>
     [[nodiscard]] std::string given(const std::string& option, Ask&& askUser) const {
@@ -217,7 +218,7 @@ void logoutCommand(const LoginOptions& options, Output& output, const Terminal& 
     resumeSession(runtime);
     if (!currentUser(runtime)) throw Failure("nobody is signed in");
     const StateWriter states(runtime, options.isJSON, output, terminal);
-    (void)awaited(runtime[services::session].logOut(std::nullopt));
+    std::ignore = awaited(runtime[services::session].logOut(std::nullopt));
 }
 
 void addAccountCommand(const AccountOptions& options) {
